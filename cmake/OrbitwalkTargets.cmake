@@ -1,0 +1,50 @@
+# What every folder's CMakeLists.txt builds on: one interface target that carries the house's compiler
+# settings, the external libraries, and the function that declares a test.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# The libraries and the tool stand side by side at the top of the build tree and find each other there.
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
+set(CMAKE_INSTALL_RPATH $ORIGIN)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+find_package(Threads REQUIRED)
+find_package(OrbitwalkOpenCV REQUIRED)
+
+add_library(orbitwalk_settings INTERFACE)
+target_compile_features(orbitwalk_settings INTERFACE cxx_std_20)
+# Contraction would fuse multiply and add on 64-bit ARM, and the record would differ between machines.
+target_compile_options(orbitwalk_settings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wformat=2 -Wnon-virtual-dtor
+    -Woverloaded-virtual -Werror -ffp-contract=off)
+if(ORBITWALK_SANITIZE)
+    target_compile_options(orbitwalk_settings INTERFACE
+        -fsanitize=${ORBITWALK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(orbitwalk_settings INTERFACE -fsanitize=${ORBITWALK_SANITIZE})
+endif()
+
+add_library(orbitwalk_headers INTERFACE)
+target_include_directories(orbitwalk_headers INTERFACE
+    ${PROJECT_SOURCE_DIR}/include
+    ${PROJECT_SOURCE_DIR}/host/platform/include
+    ${PROJECT_SOURCE_DIR}/host/mp4writer/include)
+
+# orbitwalk_test(NAME SOURCES file... [LIBRARIES lib...] [LABELS label...])
+# Declares one GoogleTest program and registers each of its tests with CTest.
+function(orbitwalk_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    target_link_libraries(${name} PRIVATE orbitwalk_settings ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 300)
+endfunction()

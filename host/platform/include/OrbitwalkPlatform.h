@@ -1,0 +1,28 @@
+#pragma once
+
+/* What the host's platform library offers beside the calls that the engine makes.
+ *
+ * The log is quiet by default. ORBITWALK_LOG_LEVEL (verbose, debug, info, warn, error, off) opens
+ * it, to stderr or to the file that ORBITWALK_LOG_FILE names. ORBITWALK_BUILD_TYPE answers
+ * "ro.build.type"; without it the value is "user". All calls may come from any thread. */
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Receives every line, whatever the level; the text is valid during the call only. Must not log. */
+typedef void (*OrbitwalkLogListener)(int priority, const char* tag, const char* text,
+                                     void* context);
+
+/* Sets the one listener; null removes it. When the call returns, the former listener is no longer
+ * running. */
+__attribute__((visibility("default"))) void OrbitwalkSetLogListener(OrbitwalkLogListener listener,
+                                                                    void* context);
+
+/* Lowest priority (an ANDROID_LOG value) that is written; above ANDROID_LOG_FATAL nothing is.
+ * Overrides the environment. */
+__attribute__((visibility("default"))) void OrbitwalkSetLogLevel(int priority);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <android/log.h>
+
+// Macros, so that the compiler checks each text against its values. A source file says its tag
+// once, as `constexpr char kLogTag[]`, and then its lines.
+#define logInfo(...) __android_log_print(ANDROID_LOG_INFO, kLogTag, __VA_ARGS__)
+#define logError(...) __android_log_print(ANDROID_LOG_ERROR, kLogTag, __VA_ARGS__)

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+/// One function a command, each in a source file of its own: it declares the command and its
+/// options, and sets the callback that runs it. A callback reports failure by throwing ToolError or
+/// MediaError.
+namespace orbitwalk::tool {
+
+void addSimulateCommand(CLI::App& app);
+void addCaptureCommand(CLI::App& app);
+void addInspectCommand(CLI::App& app);
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,7 @@
+#include "commands/Commands.h"
+
+namespace orbitwalk::tool {
+
+void addInspectCommand(CLI::App&) {}
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# The architecture that the folders show, checked on the include lines; and no test file outside the build.
+set -u
+cd "$(dirname "$0")/.."
+broken=0
+
+complain() {
+    echo "$1"
+    broken=1
+}
+
+# forbid FOLDER WHY PATTERN...: no file below FOLDER includes a header that begins with one of the patterns.
+forbid() {
+    local folder=$1 why=$2 pattern
+    shift 2
+    for pattern in "$@"; do
+        while IFS= read -r line; do
+            complain "$line: $why"
+        done < <(grep -rnE "^#include [\"<]$pattern" "$folder")
+    done
+}
+
+forbid src/common "common is below everything" engine/ frameproc/ findTransform/ stabilization/
+forbid src/frameproc "stages know neither the engine nor each other" engine/ findTransform/ stabilization/
+forbid src/findTransform "stages know neither the engine nor each other" engine/ frameproc/ stabilization/
+forbid src/stabilization "stages know neither the engine nor each other" engine/ frameproc/ findTransform/
+forbid src "the engine does not know its hosts" media/ opencv2/videoio opencv2/highgui opencv2/imgcodecs
+forbid tool "the tool is a client, never an insider" engine/ frameproc/ findTransform/ opencv2/videoio opencv2/highgui
+forbid include "public headers stand alone" engine/ frameproc/ findTransform/ stabilization/ media/
+
+while IFS= read -r file; do
+    grep -qF "$(basename "$file")" "$(dirname "$file")/CMakeLists.txt" 2>/dev/null ||
+        complain "$file: in no target of its folder's CMakeLists.txt"
+done < <(find tests -name '*.cpp')
+
+exit $broken

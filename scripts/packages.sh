@@ -1,0 +1,24 @@
+# The Debian 12 packages that the project needs, sourced by the scripts beside it.
+
+packages_build=(
+    g++ cmake ninja-build pkg-config git
+    libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev libopencv-imgcodecs-dev
+    libavcodec-dev libavformat-dev libavutil-dev libswscale-dev
+    libspdlog-dev libcli11-dev nlohmann-json3-dev
+)
+packages_demo=(lomiri-wallpapers-16.04)
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils)
+
+# install_packages NAME...: installs what is missing; asks for nothing when all is there.
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    echo "Installing ${missing[*]}"
+    local as_root=()
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    "${as_root[@]}" apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "orbitwalk/Export.h"
 
@@ -62,23 +63,29 @@ class OBW_API CSharedBufferQueue : public CSharedBufferInterface {
   public:
     /// @param bufferSize  bytes per buffer, at least 1.
     /// @param count       number of buffers, at least 1.
-    /// @throws std::invalid_argument for a size or count below 1, std::bad_alloc.
+    /// @throws std::invalid_argument for a size or count below 1, std::bad_alloc, also for a total
+    ///         that does not fit the address space.
     CSharedBufferQueue(int bufferSize, int count);
     /// @param timeoutMs  wait limit of every slot in milliseconds; 8 without it.
     CSharedBufferQueue(int bufferSize, int count, unsigned int timeoutMs);
     CSharedBufferQueue(const CSharedBufferQueue&) = delete;
     CSharedBufferQueue& operator=(const CSharedBufferQueue&) = delete;
 
+    /// Locks the buffer after the last one locked. @return its address, or 0 when the wait timed
+    /// out, which leaves the turn at the same buffer.
     std::intptr_t lockForReading() override;
     void unlockForWriting() override;
+    /// As lockForReading.
     std::intptr_t lockForWriting() override;
     void unlockForReading() override;
     int size() override;  ///< Bytes per buffer.
     virtual ~CSharedBufferQueue();
 
   private:
-    struct Slots;
-    std::unique_ptr<Slots> mSlots;
+    std::intptr_t addressOf(std::int32_t index) const;
+
+    /// Optional, so that a slot can be rebuilt in place; every one has a value.
+    std::unique_ptr<std::optional<CSharedMemory>[]> mSlots;
     std::int32_t mWriteIndex = 0;
     std::int32_t mReadIndex = 0;
     std::unique_ptr<unsigned char[]> mData;

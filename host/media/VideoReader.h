@@ -3,27 +3,20 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 #include <vector>
+
+#include "media/MediaTypes.h"
 
 namespace orbitwalk::media {
 
-/// What went wrong with a video, in one line that names the file.
-class MediaError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
-struct FrameRate {
-    int numerator = 30;
-    int denominator = 1;
-};
-
-/// Decodes the first video stream of any file that FFmpeg reads, frame by frame in presentation
-/// order, without duplicating or dropping any. Frames come as 8-bit planar YUV 4:2:0 (I420),
-/// tightly packed; an odd last column or row is cut off. One thread at a time.
+/// Decodes the main video stream of any local file that FFmpeg reads, frame by frame in
+/// presentation order, without duplicating or dropping any, however uneven their timestamps. Frames
+/// come as 8-bit planar YUV 4:2:0 (I420) of video range, tightly packed, not turned; an odd last
+/// column or row is cut off. Pictures too damaged to decode are left out, and a file that was cut
+/// off ends after the last picture that decodes. One thread at a time.
 class VideoReader {
   public:
+    /// Decodes the first picture, so that sizes are those of real pictures.
     /// @throws MediaError when the file cannot be opened or holds no video that can be decoded.
     explicit VideoReader(const std::filesystem::path& file);
     ~VideoReader();
@@ -33,11 +26,13 @@ class VideoReader {
     int width() const;   ///< Even, pixels.
     int height() const;  ///< Even, pixels.
     FrameRate frameRate() const;
-    std::int64_t expectedFrames() const;  ///< By the container's word; 0 when it does not say.
-    int rotationDegrees() const;          ///< Display rotation, clockwise: 0, 90, 180 or 270.
+    /// By the container's word (its count, or duration times rate); 0 when it does not say.
+    std::int64_t expectedFrames() const;
+    int rotationDegrees() const;  ///< Display rotation, clockwise: 0, 90, 180 or 270.
 
     /// Decodes the next frame into i420 (resized to width * height * 3 / 2).
-    /// @return false at the end of the stream. @throws MediaError when the stream is broken.
+    /// @return false at the end of the stream.
+    /// @throws MediaError when the file cannot be read on, or its picture size changes half-way.
     bool read(std::vector<std::uint8_t>& i420);
 
   private:

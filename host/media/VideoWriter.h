@@ -5,29 +5,25 @@
 #include <memory>
 #include <span>
 
-#include "media/VideoReader.h"
+#include "media/EncoderSettings.h"
+#include "media/MediaTypes.h"
 
 namespace orbitwalk::media {
 
-struct EncoderSettings {
-    int width = 0;   ///< Even, pixels.
-    int height = 0;  ///< Even, pixels.
-    FrameRate frameRate;
-    std::int64_t bitRate = 0;  ///< Bits per second; 0: constant quality instead.
-    int quality = 18;          ///< Constant rate factor, used when bitRate is 0; lower is better.
-    int keyFrameInterval = 15;
-    int speed = 7;            ///< 0 (smallest file) to 9 (fastest).
-    int threads = 0;          ///< 0: as many as the machine has cores.
-    bool fragmented = false;  ///< Complete fragments as it goes, for streams that cannot seek.
-};
-
-/// Encodes I420 frames at a constant rate as H.264 in an MP4 on a stream that stays the caller's:
-/// libx264 where FFmpeg has it, else the H.264 (or failing that the MPEG-4) encoder that libavcodec
-/// offers. One thread at a time.
+/// Encodes I420 frames of video range at a constant rate as H.264 in an MP4 on a stream that stays
+/// the caller's: libx264 where FFmpeg has it, else the H.264 (or failing that the MPEG-4) encoder
+/// that libavcodec offers. The same frames give the same bytes. One thread at a time.
+///
+/// Fragmented, a frame leaves the encoder at once, a fragment is on the stream and flushed when the
+/// next key frame comes, and nothing is ever sought: what stands there plays up to the last whole
+/// fragment, whatever happens later. Otherwise the file plays only after finish.
+///
+/// A failed write sets the stream's error indicator. SIGPIPE is left as the caller has set it: only
+/// where it is ignored does a closed pipe end in a MediaError.
 class VideoWriter {
   public:
-    /// Opens the encoder and writes the file's header. The stream must be seekable unless
-    /// fragmented.
+    /// Opens the encoder and writes the file's header, from where the stream stands. The stream
+    /// must be seekable unless fragmented.
     /// @throws MediaError: bad settings, no encoder, a failed write.
     VideoWriter(std::FILE* stream, const EncoderSettings& settings);
     /// Abandons a recording that was not finished.
@@ -35,10 +31,12 @@ class VideoWriter {
     VideoWriter(const VideoWriter&) = delete;
     VideoWriter& operator=(const VideoWriter&) = delete;
 
-    /// Encodes one frame of width * height * 3 / 2 bytes. @throws MediaError.
+    /// Encodes one frame of width * height * 3 / 2 bytes, which are not kept.
+    /// @throws MediaError: a frame of another size (the recording goes on); a failed encode or
+    /// write, after which every further call fails with the same words.
     void write(std::span<const std::uint8_t> i420);
-    /// Writes what the encoder still holds and the file's trailer, and flushes the stream. @throws
-    /// MediaError.
+    /// Writes what the encoder still holds and the file's trailer, and flushes the stream. The last
+    /// call. @throws MediaError, also when an earlier write failed: the file is not complete.
     void finish();
 
   private:

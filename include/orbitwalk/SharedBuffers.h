@@ -82,8 +82,6 @@ class OBW_API CSharedBufferQueue : public CSharedBufferInterface {
     virtual ~CSharedBufferQueue();
 
   private:
-    std::intptr_t addressOf(std::int32_t index) const;
-
     /// Optional, so that a slot can be rebuilt in place; every one has a value.
     std::unique_ptr<std::optional<CSharedMemory>[]> mSlots;
     std::int32_t mWriteIndex = 0;

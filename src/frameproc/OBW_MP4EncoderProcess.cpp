@@ -3,7 +3,7 @@
 #include <MP4Writer.h>
 
 #include <exception>
-#include <vector>
+#include <memory>
 
 #include "common/BuildType.h"
 #include "common/Log.h"
@@ -158,10 +158,10 @@ int OBW_MP4EncoderProcess::stop() {
 void OBW_MP4EncoderProcess::encodeFillerFrame() const {
     logInfo("MP4EncoderProc::stop:Qendor -- no frame had been encoded till now");
     try {
-        const std::vector<unsigned char> filler(
+        const auto filler = std::make_unique<unsigned char[]>(
             static_cast<std::size_t>(yuv420FrameBytes(mWidth, mHeight)));
         // The result is only logged: a recording without frames has failed either way.
-        const int result = EncodeFrame(filler.data());
+        const int result = EncodeFrame(filler.get());
         logInfo("OBW_MP4EncoderProcess::stop -- EncodeFrame done retVal = %d", result);
     } catch (const std::exception& failure) {
         logError("OBW_MP4EncoderProcess::stop -- no filler frame : %s", failure.what());

@@ -27,6 +27,10 @@ std::int32_t next(std::int32_t index, std::int32_t count) {
     return static_cast<std::int32_t>((std::int64_t{index} + 1) % count);
 }
 
+std::intptr_t addressOf(const unsigned char* data, std::int32_t bufferSize, std::int32_t index) {
+    return reinterpret_cast<std::intptr_t>(data + static_cast<std::size_t>(index) * bufferSize);
+}
+
 }  // namespace
 
 CSharedMemory::CSharedMemory(unsigned int timeoutMs) : CSharedMemory(timeoutMs, timeoutMs) {}
@@ -82,7 +86,7 @@ std::intptr_t CSharedBufferQueue::lockForReading() {
     if (!mSlots[index]->lockForReading())
         return 0;
     mReadIndex = index;
-    return addressOf(index);
+    return addressOf(mData.get(), mBufferSize, index);
 }
 
 std::intptr_t CSharedBufferQueue::lockForWriting() {
@@ -90,7 +94,7 @@ std::intptr_t CSharedBufferQueue::lockForWriting() {
     if (!mSlots[index]->lockForWriting())
         return 0;
     mWriteIndex = index;
-    return addressOf(index);
+    return addressOf(mData.get(), mBufferSize, index);
 }
 
 void CSharedBufferQueue::unlockForWriting() {
@@ -103,9 +107,4 @@ void CSharedBufferQueue::unlockForReading() {
 
 int CSharedBufferQueue::size() {
     return mBufferSize;
-}
-
-std::intptr_t CSharedBufferQueue::addressOf(std::int32_t index) const {
-    const std::size_t offset = static_cast<std::size_t>(index) * mBufferSize;
-    return reinterpret_cast<std::intptr_t>(mData.get() + offset);
 }

@@ -1,0 +1,227 @@
+#include "frameproc/OBW_MP4EncoderProcess.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "support/FakeMP4Writer.h"
+#include "support/FakePlatform.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+constexpr char kWorkerTag[] = "ORBITWALK_ENGINE MP4_ENC_PROCESS";
+
+/// A queue of eight 4x2 frames and its worker.
+class EncoderProcess : public testing::Test {
+  protected:
+    EncoderProcess() {
+        fake_writer::reset();
+        fake_platform::clearLog();
+        fake_platform::setBuildType("user");
+    }
+
+    void send(unsigned char value) {
+        std::memset(queue.writeLock(), value, 12);
+        queue.writeUnlock();
+    }
+
+    static std::vector<int> encoded() {
+        std::vector<int> values;
+        for (const auto& frame : fake_writer::record().frames)
+            values.push_back(frame[0]);
+        return values;
+    }
+
+    char file[16] = "clip.mp4";
+    std::string dir = "/tmp/work/";
+    SPMCQueue<unsigned char> queue{16, 8};
+};
+
+TEST_F(EncoderProcess, OpensTheWriterWithItsElevenArguments) {
+    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), stderr, -1);
+    send(1);
+    queue.signalEndOfFrames();
+    worker.start();
+    EXPECT_EQ(worker.stop(), 0);
+    const auto record = fake_writer::record();
+    ASSERT_EQ(record.inits.size(), 1u);
+    const fake_writer::InitCall& init = record.inits[0];
+    EXPECT_TRUE(init.fileNameIsNull);
+    EXPECT_EQ(init.tempDir, "/tmp/work/RW_LIB/");
+    EXPECT_THAT((std::vector{init.width, init.height, init.setting5, init.bitRate, init.setting7,
+                             init.setting8, init.setting9, init.fileId}),
+                ElementsAre(4, 2, 0, 16777216, 15, 30, 7, -1));
+    EXPECT_EQ(init.file, stderr);
+    EXPECT_EQ(record.misuses, 0);
+}
+
+TEST_F(EncoderProcess, CutsAnOverlongTemporaryPath) {
+    dir = std::string(251, 'd');
+    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
+    queue.signalEndOfFrames();
+    worker.start();
+    worker.stop();
+    EXPECT_EQ(fake_writer::record().inits.at(0).tempDir, dir + "RW_L");
+}
+
+TEST_F(EncoderProcess, DrainsTheQueueAfterItsLoopWasStopped) {
+    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
+    fake_writer::closeGate();
+    for (unsigned char i = 1; i <= 5; ++i)
+        send(i);
+    worker.start();
+    ASSERT_TRUE(fake_writer::waitForEntered(1));
+    worker.requestStop();
+    fake_writer::openGate();
+    queue.signalEndOfFrames();
+    worker.join();
+    EXPECT_EQ(fake_platform::countLog("OBW_MP4EncoderProcess::onStop -- enter, "
+                                      "mRecvFrameCount = 1, mIsAllFramesDone = 0"),
+              1);
+    EXPECT_THAT(encoded(), ElementsAre(1, 2, 3, 4, 5));
+    EXPECT_EQ(worker.stop(), 0);
+    EXPECT_EQ(fake_writer::record().deinits, 1);
+}
+
+TEST_F(EncoderProcess, FailsAnEmptyRecordingAfterOneBlackFrame) {
+    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
+    queue.signalEndOfFrames();
+    worker.start();
+    EXPECT_EQ(worker.stop(), -1);
+    const auto record = fake_writer::record();
+    EXPECT_THAT(record.frames, ElementsAre(ElementsAre(0, 0, 0, 0)));
+    EXPECT_EQ(record.deinits, 1);
+    EXPECT_EQ(record.misuses, 0);
+    EXPECT_EQ(fake_platform::logTexts(kWorkerTag).back(),
+              "mp4EncoderProcess::stop -- mp4 Encode has failed, mp4InitState = 1, "
+              "mMp4RetStatus=0");
+}
+
+TEST_F(EncoderProcess, ReportsTheLastEncodeAlone) {
+    const struct { int failingFrame, result; } cases[] = {{0, 0}, {1, 0}, {2, -1}};
+    for (const auto& c : cases) {
+        fake_writer::reset();
+        fake_writer::setEncodeResultOf(c.failingFrame, 0);
+        SPMCQueue<unsigned char> ring(16, 8);
+        OBW_MP4EncoderProcess worker(4, 2, ring, file, dir.data(), nullptr, -1);
+        worker.start();
+        for (int i = 0; i < 3; ++i) {
+            std::memset(ring.writeLock(), i, 12);
+            ring.writeUnlock();
+        }
+        ring.signalEndOfFrames();
+        EXPECT_EQ(worker.stop(), c.result) << "frame " << c.failingFrame;
+        EXPECT_THAT(encoded(), ElementsAre(0, 1, 2));
+        EXPECT_EQ(fake_writer::record().deinits, 1);
+    }
+}
+
+TEST_F(EncoderProcess, GoesOnConsumingWhenTheWriterDidNotOpen) {
+    fake_writer::setInitResult(0);
+    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
+    send(1);
+    send(2);
+    queue.signalEndOfFrames();
+    worker.start();
+    EXPECT_EQ(worker.stop(), -1);
+    EXPECT_THAT(encoded(), ElementsAre(1, 2));
+    EXPECT_EQ(fake_writer::record().deinits, 0);
+    const auto lines = fake_platform::logLines();
+    const fake_platform::LogLine failed{
+        6, kWorkerTag, "OBW_MP4EncoderProcess::onStart --: InitMP4Engine FAILED : retVal=0"};
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), failed), 2);
+    EXPECT_EQ(fake_platform::logTexts(kWorkerTag).back(),
+              "mp4EncoderProcess::stop -- mp4 init has failed, do not do deinit, "
+              "mp4InitState = 0, mp4EncodeState=1");
+}
+
+TEST_F(EncoderProcess, NeverStartedFailsWithoutTouchingTheWriter) {
+    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
+    EXPECT_EQ(worker.stop(), -1);
+    EXPECT_EQ(fake_writer::record().deinits, 0);
+    EXPECT_TRUE(fake_writer::record().inits.empty());
+}
+
+/// The lines of a recording of one frame, whose worker meets the end marker in its run loop.
+std::vector<std::string> expectedLog(const std::vector<std::string>& creation,
+                                     const std::string& opening, const std::string& frame) {
+    std::vector<std::string> lines = {
+        "OBW_MP4EncoderProcess::OBW_MP4EncoderProcess -- enter : res = 4x2",
+        opening,
+        "OBW_MP4EncoderProcess::onStart -- enter call InitMP4Engine: res : 4x2, "
+        "bitrate = 16777216 bps",
+        "OBW_MP4EncoderProcess::onStart --: InitMP4Engine done : 1",
+        "OBW_MP4EncoderProcess::onRun -- enter, mRecvFrameCount = 0",
+        "OBW_MP4EncoderProcess::onRun -- got buffer = " + frame,
+        "OBW_MP4EncoderProcess::onRun -- EncodeFrame done retVal =1",
+        "OBW_MP4EncoderProcess::onRun -- enter, mRecvFrameCount = 1",
+        "OBW_MP4EncoderProcess::onStop -- enter, mRecvFrameCount = 1, mIsAllFramesDone = 1",
+        "OBW_MP4EncoderProcess::onStop -- done, mRecvFrameCount = 1",
+        "OBW_MP4EncoderProcess::stop -- enter",
+        "OBW_MP4EncoderProcess::stop -- requestStopAndWait done",
+        "OBW_MP4EncoderProcess::stop -- DeInitMP4Engine done : num frame receved=0, "
+        "num frames encoded=1"};
+    lines.insert(lines.begin(), creation.begin(), creation.end());
+    return lines;
+}
+
+TEST_F(EncoderProcess, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
+    char address[32];
+    std::snprintf(address, sizeof address, "%p", static_cast<void*>(queue.writeLock()));
+    const std::string name = "OBW_MP4EncoderProcess::OBW_MP4EncoderProcess -- ";
+    const std::string init = "OBW_MP4EncoderProcess::onStart -- enter call InitMP4Engine: ";
+    const auto record = [&](const char* buildType) {
+        fake_platform::setBuildType(buildType);
+        fake_platform::clearLog();
+        OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
+        send(1);
+        queue.signalEndOfFrames();
+        worker.start();
+        worker.join();
+        worker.stop();
+        return fake_platform::logTexts(kWorkerTag);
+    };
+    EXPECT_THAT(
+        record("user"),
+        ElementsAreArray(expectedLog(
+            {name + "buildType = user", name + "enter : res = 4x2, mp4 file handle : (nil), -1"},
+            init + "res : 4x2, mp4 file handle : (nil), -1", address)));
+
+    // The marker of the first recording was not released: the next frame stands behind it.
+    queue.readUnlock();
+    std::snprintf(address, sizeof address, "%p", static_cast<void*>(queue.writeLock()));
+    EXPECT_THAT(record("eng"),
+                ElementsAreArray(expectedLog(
+                    {name + "buildType = eng", name + "ENGINEERING build",
+                     name + "enter : res = 4x2, mp4File=clip.mp4, mp4TempPath=/tmp/work/, "
+                            "mp4 file handle : (nil), -1"},
+                    init + "res : 4x2, mp4File:clip.mp4, mp4TempDirPath=/tmp/work/, "
+                           "mp4TempDir=/tmp/work/RW_LIB/, mp4 file handle : (nil), -1",
+                    address)));
+}
+
+TEST_F(EncoderProcess, TimesEachStretchUnderItsOwnTag) {
+    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
+    send(1);
+    queue.signalEndOfFrames();
+    worker.start();
+    worker.stop();
+    std::vector<std::string> tags;
+    for (const auto& line : fake_platform::logLines())
+        if (line.priority == 2)
+            tags.push_back(line.tag);
+    EXPECT_THAT(tags, ElementsAre("OBW_MP4EncoderProcess::onStart -- InitMP4Engine done : "
+                                  "MP4EncInit_acc",
+                                  "OBW_MP4EncoderProcess::onRun -- EncodeFrame done : MP4Time_acc",
+                                  "OBW_MP4EncoderProcess::stop : WR_PP_ACC "
+                                  "MP4_PROC_PP_Time_acc_2"));
+}
+
+}  // namespace

@@ -1,0 +1,232 @@
+#include "frameproc/OBW_FrameProcessor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/FakeMP4Writer.h"
+#include "support/FakePlatform.h"
+
+namespace {
+
+using Processor = OBW_FrameProcessor;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+class FrameProcessor : public testing::Test {
+  protected:
+    FrameProcessor() {
+        fake_writer::reset();
+        fake_platform::setBuildType("user");
+        fake_platform::clearLog();
+    }
+
+    Processor::CreationParams params(int numBuffers = 15) {
+        return {4, 2, numBuffers, nullptr, file, dir, nullptr, -1};
+    }
+
+    static int send(Processor& processor, unsigned char value) {
+        std::vector<unsigned char> frame(12, value);
+        return processor.sendFrame(frame.data(), 12);
+    }
+
+    static std::vector<int> encoded() {
+        std::vector<int> values;
+        for (const auto& frame : fake_writer::record().frames)
+            values.push_back(frame[0]);
+        return values;
+    }
+
+    static std::vector<std::string> log() {
+        return fake_platform::logTexts("ORBITWALK_ENGINE FRAME_PROCESSOR");
+    }
+
+    char file[16] = "clip.mp4";
+    char dir[16] = "/tmp/work/";
+};
+
+TEST_F(FrameProcessor, TakesFramesUpToItsOwnSize) {
+    Processor processor(params());
+    std::vector<unsigned char> frame(13, 5);
+    EXPECT_EQ(processor.sendFrame(frame.data(), 12), 1);
+    EXPECT_EQ(processor.sendFrame(frame.data(), 0), 1);
+    EXPECT_EQ(processor.sendFrame(frame.data(), 13), 0);
+    EXPECT_EQ(processor.sendFrame(frame.data(), -1), 0);
+    EXPECT_EQ(fake_platform::countLog("::sendFrame -- frame larger than expected"), 2);
+    EXPECT_EQ(processor.sendFrame(nullptr, 12), 0);
+    EXPECT_EQ(processor.sendFrame(frame.data(), 12), 1);
+    EXPECT_EQ(log().back(), "::sendFrame -- done, frameCount=3");
+}
+
+TEST_F(FrameProcessor, RefusesSizesThatDoNotFit) {
+    auto bad = params();
+    bad.width = bad.height = std::numeric_limits<std::int32_t>::max();
+    EXPECT_THROW(Processor{bad}, std::length_error);
+    bad.width = -4;
+    bad.height = 2;
+    EXPECT_THROW(Processor{bad}, std::length_error);
+    EXPECT_THROW(Processor{params(0)}, std::length_error);
+}
+
+TEST_F(FrameProcessor, EncodesFramesThatWereSentBeforeItsStart) {
+    Processor processor(params());
+    send(processor, 1);
+    unsigned char* slot = processor.getEmptyBuffer();
+    slot[0] = 2;
+    EXPECT_EQ(processor.unlockEmptyBuffer(), 0);
+    EXPECT_EQ(processor.start(), 1);
+    send(processor, 3);
+    EXPECT_EQ(processor.stop(), 0);
+    EXPECT_THAT(encoded(), ElementsAre(1, 2, 3));
+    EXPECT_EQ(log()[5], "OBW_FrameProcessor::getEmptyBuffer -- done");
+}
+
+TEST_F(FrameProcessor, KeepsEveryFrameWhileTheWriterStalls) {
+    fake_writer::closeGate();
+    Processor processor(params());
+    processor.start();
+    for (unsigned char i = 0; i < 40; ++i)
+        EXPECT_EQ(send(processor, i), 1);
+    EXPECT_TRUE(fake_writer::waitForEntered(1));
+    EXPECT_GE(fake_platform::countLogPrefix("SPMCQueue resizing from "), 25);
+    fake_writer::openGate();
+    EXPECT_EQ(processor.stop(), 0);
+    std::vector<int> all;
+    for (int i = 0; i < 40; ++i)
+        all.push_back(i);
+    EXPECT_EQ(encoded(), all);
+}
+
+TEST_F(FrameProcessor, DropsQueuedFramesAtAnAbortAndClosesTheWriter) {
+    for (const int result : {1, 0}) {
+        fake_writer::reset();
+        fake_writer::setEncodeResult(result);
+        fake_writer::closeGate();
+        Processor processor(params());
+        processor.start();
+        for (unsigned char i = 0; i < 5; ++i)
+            send(processor, i);
+        ASSERT_TRUE(fake_writer::waitForEntered(1));
+        fake_platform::clearLog();
+        auto aborted = std::async(std::launch::async, [&] { return processor.abort(); });
+        // The frame at the gate may go once the emergency exit is raised.
+        while (fake_platform::countLog("::abort -- signalEndOfFrames done") == 0)
+            std::this_thread::yield();
+        fake_writer::openGate();
+        EXPECT_EQ(aborted.get(), result == 1 ? 0 : -1);
+        EXPECT_THAT(encoded(), ElementsAre(0));
+        EXPECT_EQ(fake_writer::record().deinits, 1);
+    }
+}
+
+TEST_F(FrameProcessor, StoppedWithoutStartOrTwiceAnswersZeroAtOnce) {
+    Processor processor(params());
+    EXPECT_EQ(processor.stop(), 0);
+    EXPECT_EQ(processor.abort(), 0);
+    EXPECT_EQ(fake_platform::countLog("::stop block -- called without start()"), 1);
+    EXPECT_EQ(fake_platform::countLog("::abort -- called without start()"), 1);
+    processor.start();
+    EXPECT_EQ(processor.stop(), -1);  // no frame
+    EXPECT_EQ(processor.stop(), 0);
+    EXPECT_EQ(processor.stopAsync(Processor::FRAMEPROC_ALL), 0);
+    EXPECT_EQ(fake_writer::record().deinits, 1);
+}
+
+TEST_F(FrameProcessor, IsStoppedByItsDestructor) {
+    {
+        Processor processor(params());
+        processor.start();
+        send(processor, 1);
+    }
+    EXPECT_THAT(encoded(), ElementsAre(1));
+    EXPECT_EQ(fake_writer::record().deinits, 1);
+    const auto lines = log();
+    EXPECT_EQ(fake_platform::countLog("::~OBW_FrameProcessor -- enter : mIsRunning=1"), 1);
+    EXPECT_EQ(lines.back(), "::~OBW_FrameProcessor -- done");
+}
+
+TEST_F(FrameProcessor, MakesNoProgressOfItsOwn) {
+    const Processor processor(params());
+    for (const int id : {0, 1, 2, 77}) {
+        EXPECT_EQ(processor.getProgress(static_cast<Processor::FRAMEPROC_STOP_PROCESS_ID>(id)), 0);
+        EXPECT_EQ(log().back(), "OBW_FrameProcessor::getProgress procID = " + std::to_string(id));
+    }
+}
+
+TEST_F(FrameProcessor, LabelsItsStopsByTypeAndProcess) {
+    const struct {
+        int id;
+        const char* enter;
+        const char* done;
+    } cases[] = {
+        {0, "::stop async FRAMEPROC_MP4_ENC-- enter", "::stop async  FRAMEPROC_MP4_ENC-- done"},
+        {1, "::stop async FRAMEPROC_MOTION-- enter", "::stop async  FRAMEPROC_MOTION-- done"},
+        {77, "::stop async FRAMEPROC_ALL-- enter", "::stop async  FRAMEPROC_ALL-- done"}};
+    for (const auto& c : cases) {
+        Processor processor(params());
+        processor.start();
+        send(processor, 1);
+        fake_platform::clearLog();
+        processor.stopAsync(static_cast<Processor::FRAMEPROC_STOP_PROCESS_ID>(c.id));
+        EXPECT_EQ(log().front(), c.enter);
+        EXPECT_EQ(log().back(), c.done);
+    }
+}
+
+std::vector<std::string> recordingLog(const std::vector<std::string>& creation) {
+    std::vector<std::string> lines = creation;
+    for (const char* line :
+         {"::OBW_FrameProcessor -- done : mMaxFrameSize = 12", "::start-- enter", "::start -- done",
+          "::sendFrame -- enter, size = 12, mMaxFrameSize = 12, frameCount=0",
+          "::sendFrame -- done, frameCount=1", "::stop block FRAMEPROC_ALL-- enter",
+          "::stop block -- signalEndOfFrames", "::stop block -- signalEndOfFrames done",
+          "::stop block -- mMP4Encoder stop done", "::stop block  FRAMEPROC_ALL-- done",
+          "::abort FRAMEPROC_ALL-- enter", "::abort -- called without start()",
+          "::~OBW_FrameProcessor -- enter : mIsRunning=0", "::~OBW_FrameProcessor -- done"})
+        lines.push_back(line);
+    return lines;
+}
+
+TEST_F(FrameProcessor, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
+    const auto record = [&](const char* buildType) {
+        fake_platform::setBuildType(buildType);
+        fake_platform::clearLog();
+        {
+            Processor processor(params());
+            processor.start();
+            send(processor, 1);
+            processor.stop();
+            processor.abort();
+        }
+        return log();
+    };
+    const std::string name = "OBW_FrameProcessor::OBW_FrameProcessor -- ";
+    EXPECT_THAT(record("user"),
+                ElementsAreArray(recordingLog({name + "buildType = user",
+                                               "::OBW_FrameProcessor -- enter: 4x2, MP4 handles : "
+                                               "(nil), -1, buffer pool = (nil)"})));
+    EXPECT_THAT(record("eng"),
+                ElementsAreArray(recordingLog(
+                    {name + "buildType = eng", name + "ENGINEERING build",
+                     "::OBW_FrameProcessor -- enter: 4x2, MP4 file : clip.mp4, MP4 tmp dir : "
+                     "/tmp/work/, MP4 handles : (nil), -1, buffer pool = (nil)"})));
+}
+
+TEST_F(FrameProcessor, RaisesTheEmergencyExitAtAnAbort) {
+    Processor processor(params());
+    processor.start();
+    fake_platform::clearLog();
+    processor.abort();
+    EXPECT_THAT(log(),
+                ElementsAre("::abort FRAMEPROC_ALL-- enter", "::abort -- signalEmergencyExit",
+                            "::abort -- signalEndOfFrames done", "::abort -- mMP4Encoder stop done",
+                            "::abort  FRAMEPROC_ALL-- done"));
+}
+
+}  // namespace

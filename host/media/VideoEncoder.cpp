@@ -47,10 +47,11 @@ void tagColours(AVCodecContext& codec) {
 
 void setRate(AVCodecContext& codec, const EncoderSettings& settings, Options& options) {
     if (settings.bitRate > 0) {
-        // The rate holds over any second, not only on average.
+        // A buffer of half a second: the rate holds over every stretch, and short recordings do not
+        // start with a burst of twice the rate.
         codec.bit_rate = settings.bitRate;
         codec.rc_max_rate = settings.bitRate;
-        codec.rc_buffer_size = static_cast<int>(settings.bitRate);
+        codec.rc_buffer_size = static_cast<int>(settings.bitRate / 2);
         return;
     }
     options.set("crf", std::to_string(settings.quality).c_str());

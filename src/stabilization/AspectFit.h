@@ -1,0 +1,15 @@
+#pragma once
+
+#include "stabilization/CropBounds.h"
+
+namespace stabilization {
+
+/// Trims the longer side of the bounds until they have the frame's aspect ratio. Each of the two
+/// edges gives in proportion to the margin that it has already (at least one pixel).
+///
+/// Ratios are compared in double precision, the excess and the nearer edge computed in single, the
+/// farther edge in double, edges truncated: bounds are part of the record's format.
+/// @param size  positive.
+CropBounds fitToAspect(const CropBounds& bounds, FrameSize size);
+
+}  // namespace stabilization

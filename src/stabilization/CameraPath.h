@@ -1,0 +1,36 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "common/Trajectory.h"
+
+namespace stabilization {
+
+/// Running sum of frame-to-frame transforms: one point per frame, point 0 equal to transform 0.
+std::vector<Trajectory> rebuildPath(std::span<const Trajectory> transforms);
+
+/// The path one frame late: the point of the frame before, zero (up to rounding) for frame 0. Taken
+/// as the smoothed path, it makes every corrected transform vanish: no correction at all.
+/// @param path, transforms  equally long.
+std::vector<Trajectory> pathOneFrameLate(std::span<const Trajectory> path,
+                                         std::span<const Trajectory> transforms);
+
+/// Transform that moves a frame by its own motion and on to the smoothed path.
+Trajectory correctedTransform(const Trajectory& transform, const Trajectory& smoothPoint,
+                              const Trajectory& pathPoint);
+
+struct CorrectedTransforms {
+    std::vector<Trajectory> transforms;
+    /// First of frames 1 to 4 whose correction is at least as large as its own motion in x or in y;
+    /// 0: none, or ten frames or fewer. A hit at frame 0 stores 0 and leaves the search open.
+    int crossOverPoint = 0;
+};
+
+/// Frame-to-frame transforms of the smoothed path.
+/// @param transforms, path, smoothPath  equally long; a shorter one limits the result.
+CorrectedTransforms correctTransforms(std::span<const Trajectory> transforms,
+                                      std::span<const Trajectory> path,
+                                      std::span<const Trajectory> smoothPath);
+
+}  // namespace stabilization

@@ -24,17 +24,17 @@ class iVideoStabilization {
     virtual int sendTransformationMatrix(double x, double y, double a) = 0;
     /// Smooths the path. Orientation (degrees), direction (OBWDirection) and crop margins are only
     /// logged.
-    /// @param feedback  search for the smoothing that keeps a large enough common picture; false:
-    /// no
-    ///                  correction at all.
+    /// @param feedback  true: search for the smoothing that keeps a large enough common picture;
+    ///                  false: no correction at all.
     /// @return 0; 1 when there is nothing to smooth; 2 before Initialize.
     virtual int doStabilization(int orientation, int captureDirection, int cropTop, int cropLeft,
                                 int cropBottom, int cropRight, bool feedback) = 0;
     /// Writes render matrices, crop rectangle and border frames into the record, whose header and
-    /// flags are filled already.
-    /// @param identityForInvalid  a frame that is not rendered gets the identity; false: it
-    /// consumes the
-    ///                            next corrected transform like a rendered one.
-    /// @return 0; 2 before Initialize, when nothing is written.
+    /// flags are filled already. Counts beyond the record's arrays are limited to them; every
+    /// matrix written is finite and invertible, whatever the positions were.
+    /// @param identityForInvalid  true: a frame that is not rendered gets the identity; false: it
+    ///                            consumes the next corrected transform like a rendered one.
+    /// @return 0; 2 before Initialize or for a null record, when nothing is written.
+    /// @throws cv::Exception, std::bad_alloc when memory runs out.
     virtual int getStabilizationInfo(__kelOBWKDXMetaData* metaData, bool identityForInvalid) = 0;
 };

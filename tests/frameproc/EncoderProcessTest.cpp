@@ -27,9 +27,9 @@ class EncoderProcess : public testing::Test {
         fake_platform::setBuildType("user");
     }
 
-    void send(unsigned char value) {
-        std::memset(queue.writeLock(), value, 12);
-        queue.writeUnlock();
+    static void send(SPMCQueue<unsigned char>& ring, int value) {
+        std::memset(ring.writeLock(), value, 12);
+        ring.writeUnlock();
     }
 
     static std::vector<int> encoded() {
@@ -44,9 +44,10 @@ class EncoderProcess : public testing::Test {
     SPMCQueue<unsigned char> queue{16, 8};
 };
 
-TEST_F(EncoderProcess, OpensTheWriterWithItsElevenArguments) {
+TEST_F(EncoderProcess, OpensTheWriterWithItsElevenArgumentsAndAPathCutAt255Characters) {
+    dir = std::string(251, 'd');
     OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), stderr, -1);
-    send(1);
+    send(queue, 1);
     queue.signalEndOfFrames();
     worker.start();
     EXPECT_EQ(worker.stop(), 0);
@@ -54,28 +55,18 @@ TEST_F(EncoderProcess, OpensTheWriterWithItsElevenArguments) {
     ASSERT_EQ(record.inits.size(), 1u);
     const fake_writer::InitCall& init = record.inits[0];
     EXPECT_TRUE(init.fileNameIsNull);
-    EXPECT_EQ(init.tempDir, "/tmp/work/RW_LIB/");
+    EXPECT_EQ(init.tempDir, dir + "RW_L");
     EXPECT_THAT((std::vector{init.width, init.height, init.setting5, init.bitRate, init.setting7,
                              init.setting8, init.setting9, init.fileId}),
                 ElementsAre(4, 2, 0, 16777216, 15, 30, 7, -1));
     EXPECT_EQ(init.file, stderr);
-    EXPECT_EQ(record.misuses, 0);
-}
-
-TEST_F(EncoderProcess, CutsAnOverlongTemporaryPath) {
-    dir = std::string(251, 'd');
-    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
-    queue.signalEndOfFrames();
-    worker.start();
-    worker.stop();
-    EXPECT_EQ(fake_writer::record().inits.at(0).tempDir, dir + "RW_L");
 }
 
 TEST_F(EncoderProcess, DrainsTheQueueAfterItsLoopWasStopped) {
     OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
     fake_writer::closeGate();
-    for (unsigned char i = 1; i <= 5; ++i)
-        send(i);
+    for (int i = 1; i <= 5; ++i)
+        send(queue, i);
     worker.start();
     ASSERT_TRUE(fake_writer::waitForEntered(1));
     worker.requestStop();
@@ -90,63 +81,51 @@ TEST_F(EncoderProcess, DrainsTheQueueAfterItsLoopWasStopped) {
     EXPECT_EQ(fake_writer::record().deinits, 1);
 }
 
-TEST_F(EncoderProcess, FailsAnEmptyRecordingAfterOneBlackFrame) {
-    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
-    queue.signalEndOfFrames();
-    worker.start();
-    EXPECT_EQ(worker.stop(), -1);
-    const auto record = fake_writer::record();
-    EXPECT_THAT(record.frames, ElementsAre(ElementsAre(0, 0, 0, 0)));
-    EXPECT_EQ(record.deinits, 1);
-    EXPECT_EQ(record.misuses, 0);
-    EXPECT_EQ(fake_platform::logTexts(kWorkerTag).back(),
-              "mp4EncoderProcess::stop -- mp4 Encode has failed, mp4InitState = 1, "
-              "mMp4RetStatus=0");
-}
-
-TEST_F(EncoderProcess, ReportsTheLastEncodeAlone) {
-    const struct { int failingFrame, result; } cases[] = {{0, 0}, {1, 0}, {2, -1}};
+TEST_F(EncoderProcess, ReportsHowTheWriterOpenedAndTheLastEncodeAlone) {
+    const std::string failedEncode =
+        "mp4EncoderProcess::stop -- mp4 Encode has failed, mp4InitState = 1, mMp4RetStatus=0";
+    const struct {
+        int initResult, frames, failingFrame, result;
+        std::vector<int> encoded;
+        int deinits;
+        std::string lastLine;
+    } cases[] = {
+        {1, 3, -1, 0, {1, 2, 3}, 1, ""},
+        {1, 3, 1, 0, {1, 2, 3}, 1, ""},
+        {1, 3, 2, -1, {1, 2, 3}, 1, failedEncode},
+        {1, 0, -1, -1, {0}, 1, failedEncode},  // one black frame
+        {0,
+         2,
+         -1,
+         -1,
+         {1, 2},
+         0,
+         "mp4EncoderProcess::stop -- mp4 init has failed, do not do deinit, "
+         "mp4InitState = 0, mp4EncodeState=1"},
+    };
+    const fake_platform::LogLine initFailed{
+        6, kWorkerTag, "OBW_MP4EncoderProcess::onStart --: InitMP4Engine FAILED : retVal=0"};
     for (const auto& c : cases) {
         fake_writer::reset();
+        fake_platform::clearLog();
+        fake_writer::setInitResult(c.initResult);
         fake_writer::setEncodeResultOf(c.failingFrame, 0);
         SPMCQueue<unsigned char> ring(16, 8);
         OBW_MP4EncoderProcess worker(4, 2, ring, file, dir.data(), nullptr, -1);
         worker.start();
-        for (int i = 0; i < 3; ++i) {
-            std::memset(ring.writeLock(), i, 12);
-            ring.writeUnlock();
-        }
+        for (int i = 1; i <= c.frames; ++i)
+            send(ring, i);
         ring.signalEndOfFrames();
-        EXPECT_EQ(worker.stop(), c.result) << "frame " << c.failingFrame;
-        EXPECT_THAT(encoded(), ElementsAre(0, 1, 2));
-        EXPECT_EQ(fake_writer::record().deinits, 1);
+        EXPECT_EQ(worker.stop(), c.result);
+        EXPECT_EQ(encoded(), c.encoded);
+        EXPECT_EQ(fake_writer::record().deinits, c.deinits);
+        EXPECT_EQ(fake_writer::record().misuses, 0);
+        if (!c.lastLine.empty()) {
+            EXPECT_EQ(fake_platform::logTexts(kWorkerTag).back(), c.lastLine);
+        }
+        const auto lines = fake_platform::logLines();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), initFailed), c.initResult == 1 ? 0 : 2);
     }
-}
-
-TEST_F(EncoderProcess, GoesOnConsumingWhenTheWriterDidNotOpen) {
-    fake_writer::setInitResult(0);
-    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
-    send(1);
-    send(2);
-    queue.signalEndOfFrames();
-    worker.start();
-    EXPECT_EQ(worker.stop(), -1);
-    EXPECT_THAT(encoded(), ElementsAre(1, 2));
-    EXPECT_EQ(fake_writer::record().deinits, 0);
-    const auto lines = fake_platform::logLines();
-    const fake_platform::LogLine failed{
-        6, kWorkerTag, "OBW_MP4EncoderProcess::onStart --: InitMP4Engine FAILED : retVal=0"};
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), failed), 2);
-    EXPECT_EQ(fake_platform::logTexts(kWorkerTag).back(),
-              "mp4EncoderProcess::stop -- mp4 init has failed, do not do deinit, "
-              "mp4InitState = 0, mp4EncodeState=1");
-}
-
-TEST_F(EncoderProcess, NeverStartedFailsWithoutTouchingTheWriter) {
-    OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
-    EXPECT_EQ(worker.stop(), -1);
-    EXPECT_EQ(fake_writer::record().deinits, 0);
-    EXPECT_TRUE(fake_writer::record().inits.empty());
 }
 
 /// The lines of a recording of one frame, whose worker meets the end marker in its run loop.
@@ -181,7 +160,7 @@ TEST_F(EncoderProcess, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
         fake_platform::setBuildType(buildType);
         fake_platform::clearLog();
         OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
-        send(1);
+        send(queue, 1);
         queue.signalEndOfFrames();
         worker.start();
         worker.join();
@@ -209,7 +188,7 @@ TEST_F(EncoderProcess, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
 
 TEST_F(EncoderProcess, TimesEachStretchUnderItsOwnTag) {
     OBW_MP4EncoderProcess worker(4, 2, queue, file, dir.data(), nullptr, -1);
-    send(1);
+    send(queue, 1);
     queue.signalEndOfFrames();
     worker.start();
     worker.stop();

@@ -122,6 +122,11 @@ TEST_F(FrameProcessor, DropsQueuedFramesAtAnAbortAndClosesTheWriter) {
         EXPECT_EQ(aborted.get(), result == 1 ? 0 : -1);
         EXPECT_THAT(encoded(), ElementsAre(0));
         EXPECT_EQ(fake_writer::record().deinits, 1);
+        EXPECT_THAT(
+            log(),
+            ElementsAre("::abort FRAMEPROC_ALL-- enter", "::abort -- signalEmergencyExit",
+                        "::abort -- signalEndOfFrames done", "::abort -- mMP4Encoder stop done",
+                        "::abort  FRAMEPROC_ALL-- done"));
     }
 }
 
@@ -151,31 +156,19 @@ TEST_F(FrameProcessor, IsStoppedByItsDestructor) {
     EXPECT_EQ(lines.back(), "::~OBW_FrameProcessor -- done");
 }
 
-TEST_F(FrameProcessor, MakesNoProgressOfItsOwn) {
-    const Processor processor(params());
-    for (const int id : {0, 1, 2, 77}) {
-        EXPECT_EQ(processor.getProgress(static_cast<Processor::FRAMEPROC_STOP_PROCESS_ID>(id)), 0);
-        EXPECT_EQ(log().back(), "OBW_FrameProcessor::getProgress procID = " + std::to_string(id));
-    }
-}
-
-TEST_F(FrameProcessor, LabelsItsStopsByTypeAndProcess) {
-    const struct {
-        int id;
-        const char* enter;
-        const char* done;
-    } cases[] = {
-        {0, "::stop async FRAMEPROC_MP4_ENC-- enter", "::stop async  FRAMEPROC_MP4_ENC-- done"},
-        {1, "::stop async FRAMEPROC_MOTION-- enter", "::stop async  FRAMEPROC_MOTION-- done"},
-        {77, "::stop async FRAMEPROC_ALL-- enter", "::stop async  FRAMEPROC_ALL-- done"}};
-    for (const auto& c : cases) {
+TEST_F(FrameProcessor, LabelsItsLinesByTypeAndProcess) {
+    for (const auto& [id, word] :
+         {std::pair{0, "MP4_ENC"}, {1, "MOTION"}, {2, "ALL"}, {77, "ALL"}}) {
+        const auto process = static_cast<Processor::FRAMEPROC_STOP_PROCESS_ID>(id);
         Processor processor(params());
+        EXPECT_EQ(processor.getProgress(process), 0);
+        EXPECT_EQ(log().back(), "OBW_FrameProcessor::getProgress procID = " + std::to_string(id));
         processor.start();
         send(processor, 1);
         fake_platform::clearLog();
-        processor.stopAsync(static_cast<Processor::FRAMEPROC_STOP_PROCESS_ID>(c.id));
-        EXPECT_EQ(log().front(), c.enter);
-        EXPECT_EQ(log().back(), c.done);
+        EXPECT_EQ(processor.stopAsync(process), 0);
+        EXPECT_EQ(log().front(), std::string("::stop async FRAMEPROC_") + word + "-- enter");
+        EXPECT_EQ(log().back(), std::string("::stop async  FRAMEPROC_") + word + "-- done");
     }
 }
 
@@ -216,17 +209,6 @@ TEST_F(FrameProcessor, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
                     {name + "buildType = eng", name + "ENGINEERING build",
                      "::OBW_FrameProcessor -- enter: 4x2, MP4 file : clip.mp4, MP4 tmp dir : "
                      "/tmp/work/, MP4 handles : (nil), -1, buffer pool = (nil)"})));
-}
-
-TEST_F(FrameProcessor, RaisesTheEmergencyExitAtAnAbort) {
-    Processor processor(params());
-    processor.start();
-    fake_platform::clearLog();
-    processor.abort();
-    EXPECT_THAT(log(),
-                ElementsAre("::abort FRAMEPROC_ALL-- enter", "::abort -- signalEmergencyExit",
-                            "::abort -- signalEndOfFrames done", "::abort -- mMP4Encoder stop done",
-                            "::abort  FRAMEPROC_ALL-- done"));
 }
 
 }  // namespace

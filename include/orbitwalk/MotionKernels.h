@@ -22,6 +22,9 @@ namespace cv {
 /// @param src, dst    two equally long sets of 2-channel points, or two 8-bit images of equal size
 /// and type
 ///                    (1, 3 or 4 channels), between which a grid of points is tracked first.
+///                    Images larger than 160x120 are reduced by max(width / 160, height / 120)
+///                    for it; the translation found between the reduced ones is returned divided
+///                    by that factor, not multiplied back to full-size pixels.
 /// @param fullAffine  false: [c -s tx; s c ty]; true: all six entries are free.
 /// @return 2x3 CV_64F, or an empty matrix: fewer than 3 points, or no sample reached half of them.
 /// @throws cv::Exception for mismatched or unsupported inputs.

@@ -23,7 +23,7 @@ class ifindTransform {
     virtual void Release() = 0;
     /// @param luma     height rows of width bytes; null: the frame has no picture and the last
     /// motion is
-    ///                 repeated.
+    ///                 repeated, as it is before Initialize and after Release.
     /// @param x, y, a  receive the cumulative motion of the picture since the first frame: pixels
     /// of the
     ///                 full-size frame, y down, and radians.

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <opencv2/core.hpp>
+#include <span>
+#include <vector>
+
+/// Rules by which tracks of corners are kept. Index i of each parallel array is one track; a
+/// dropped track leaves all of them, and the order of the others stays. Points are in pixels of the
+/// reduced picture's central view.
+namespace orbitwalk {
+
+using Points = std::vector<cv::Point2f>;
+
+/// Fewer tracks than this do not carry an estimate.
+constexpr int kFewestTracks = 20;
+
+/// Euclidean distance in single precision.
+float distance(cv::Point2f p, cv::Point2f q);
+
+/// Drops the tracks that the tracker lost (status other than 1) and those of 50 pixels or more.
+/// @param status  the tracker's, one per track
+void dropLostTracks(std::span<const unsigned char> status, Points& from, Points& to);
+/// The same for tracks back to the previous picture: drops them from `origins`, the points that the
+/// tracks once came from, too.
+void dropLostTracks(std::span<const unsigned char> status, Points& from, Points& to,
+                    Points& origins);
+
+/// Forward-backward check: drops the tracks that return 3 pixels or more from their start.
+/// @return the displacement of each kept track in tenths of a pixel, truncated to whole numbers.
+std::vector<float> keepConsistentTracks(Points& prev, Points& cur, Points& back);
+
+/// Drops the tracks whose displacement is above the threshold: foreground or mismatches.
+/// @param displacements  one per track
+void keepSmallerMotions(std::span<const float> displacements, float threshold, Points& prev,
+                        Points& cur, Points& back);
+
+}  // namespace orbitwalk

@@ -1,0 +1,108 @@
+#include "findTransform/2D/c2DCalculateTransform.h"
+
+#include <utility>
+
+#include "common/BuildType.h"
+#include "common/Log.h"
+#include "findTransform/2D/LumaReduction.h"
+
+namespace {
+
+constexpr char kLogTag[] = "ORBITWALK_ENGINE 2D_CALCULATE_TRANSFORM";
+
+}  // namespace
+
+c2DCalculateTransform::c2DCalculateTransform() : rszFactor(orbitwalk::kReduction) {
+    logInfo("c2DCalculateTransform::c2DCalculateTransform Enter");
+}
+
+c2DCalculateTransform::~c2DCalculateTransform() {
+    if (isMuted)
+        return;
+    logInfo("c2DCalculateTransform::~c2DCalculateTransform Enter");
+    logInfo("c2DCalculateTransform::~c2DCalculateTransform Exit");
+}
+
+int c2DCalculateTransform::Initialize(int frameWidth, int frameHeight) {
+    logInfo("c2DCalculateTransform::Initialize : Enter : WidthxHeight = %dx%d ", frameWidth,
+            frameHeight);
+    if (!orbitwalk::canReduce(frameWidth, frameHeight)) {
+        logError("c2DCalculateTransform::Initialize Error: WidthxHeight = %dx%d", frameWidth,
+                 frameHeight);
+        return 1;
+    }
+    const int reducedWidth = frameWidth / orbitwalk::kReduction;
+    const int reducedHeight = frameHeight / orbitwalk::kReduction;
+    // Everything that may throw comes first. The pictures begin as zeros: the reduction leaves some
+    // of their bytes unwritten and the tracker's windows reach those.
+    cv::Mat identity = cv::Mat::eye(2, 3, CV_64F);
+    std::vector<unsigned char> even(std::size_t(reducedWidth) * reducedHeight);
+    std::vector<unsigned char> odd(even.size());
+    auto rows = orbitwalk::reductionTable(frameHeight, reducedHeight);
+    auto columns = orbitwalk::reductionTable(frameWidth, reducedWidth);
+
+    width = frameWidth;
+    height = frameHeight;
+    lastTransform = std::move(identity);
+    rszWidth = reducedWidth;
+    rszHeight = reducedHeight;
+    rszFactor = orbitwalk::kReduction;
+    frameBuf[0] = std::move(even);
+    frameBuf[1] = std::move(odd);
+    rowIndexTable = std::move(rows);
+    colIndexTable = std::move(columns);
+    readBuildType();
+    return 0;
+}
+
+void c2DCalculateTransform::readBuildType() {
+    const BuildType buildType;
+    logInfo("c2DCalculateTransform::Initialize -- buildType = %s", buildType.text());
+    engBuild = buildType.isEngineering();
+    if (engBuild)
+        logInfo("c2DCalculateTransform::Initialize -- ENGINEERING build");
+}
+
+void c2DCalculateTransform::Release() {
+    logInfo("c2DCalculateTransform::Release Enter");
+    for (auto& buffer : frameBuf)
+        std::vector<unsigned char>().swap(buffer);
+    std::vector<std::uint16_t>().swap(rowIndexTable);
+    std::vector<std::uint16_t>().swap(colIndexTable);
+    logInfo("c2DCalculateTransform::Release Exit");
+}
+
+void c2DCalculateTransform::resizeImage_Y(unsigned char* src, unsigned char* dst, int srcWidth,
+                                          int /*srcHeight*/, int dstWidth, int dstHeight) {
+    orbitwalk::reduceLuma(src, srcWidth, std::span(rowIndexTable).first(dstHeight),
+                          std::span(colIndexTable).first(dstWidth), dst);
+}
+
+int c2DCalculateTransform::getTrajectory(unsigned char* frame, float* x, float* y, float* a) {
+    const int result = CalculatePrevToCurTransform(frame);
+    double X = 0, Y = 0, A = 0;
+    getCumulativeTransform(&X, &Y, &A);
+    *x = static_cast<float>(X);
+    *y = static_cast<float>(Y);
+    *a = static_cast<float>(A);
+    return result;
+}
+
+void c2DCalculateTransform::getCumulativeTransform(double* x, double* y, double* a) {
+    Trajectory sum;
+    if (cumulativeCount != 0) {
+        const Trajectory& motion = prevToCurTransforms.at(cumulativeCount - 1);
+        sum = cumulative + motion;
+        logInfo("c2DCalculateTransform::getTransform : Frame[%d] : Transform [ %f, %f, %f ] ",
+                cumulativeCount, motion.x, motion.y, motion.a);
+    }
+    logInfo(
+        "c2DCalculateTransform::getCumulativeTransform : Frame[%d] : Trajectory [ %f, %f, %f ] ",
+        cumulativeCount, sum.x, sum.y, sum.a);
+    trajectory.push_back(sum);
+    cumulative = sum;
+    *x = sum.x;
+    *y = sum.y;
+    *a = sum.a;
+    ++cumulativeCount;
+}

@@ -1,0 +1,169 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <random>
+
+#include "Scene.h"
+#include "findTransform/ifindTransform.h"
+#include "support/FakePlatform.h"
+
+namespace {
+
+struct Discarder {
+    void operator()(ifindTransform* finder) const { ifindTransform::Discard(finder); }
+};
+using Finder = std::unique_ptr<ifindTransform, Discarder>;
+
+constexpr int kWidth = 1280, kHeight = 720;
+
+Finder started(int width = kWidth, int height = kHeight) {
+    Finder finder(ifindTransform::Create());
+    EXPECT_EQ(finder->Initialize(width, height), 0);
+    return finder;
+}
+
+Trajectory feed(const Finder& finder, unsigned char* luma) {
+    float x = -1, y = -1, a = -1;
+    EXPECT_EQ(finder->getTrajectory(luma, &x, &y, &a), 0);
+    return {x, y, a};
+}
+
+/// The reduction reads every fourth pixel of every fourth row.
+Trajectory feed(const Finder& finder, const Trajectory& pose) {
+    return feed(finder, Scene().frame(kWidth, kHeight, pose, 4).data());
+}
+
+/// Four rows of six soft dots on black, every other one moved to the right.
+std::vector<unsigned char> dots(int movement) {
+    std::vector<unsigned char> luma(kWidth * kHeight);
+    for (int dot = 0; dot < 24; ++dot) {
+        const int centreX = 320 + 120 * (dot % 6) + (dot % 2) * movement;
+        const int centreY = 204 + 104 * (dot / 6);
+        for (int y = centreY - 40; y <= centreY + 40; y += 4)
+            for (int x = centreX - 40; x <= centreX + 40; x += 4)
+                luma[y * kWidth + x] = static_cast<unsigned char>(std::lround(
+                    220 * std::exp(-(std::pow(x - centreX, 2) + std::pow(y - centreY, 2)) / 128)));
+    }
+    return luma;
+}
+
+/// Tracks are good to a few hundredths of a reduced pixel; of the small motions, those up to a
+/// tenth of a reduced pixel too short are preferred.
+void expectNear(const Trajectory& p, const Trajectory& q, double pixels = 0.4,
+                double radians = 0.0005) {
+    EXPECT_NEAR(p.x, q.x, pixels);
+    EXPECT_NEAR(p.y, q.y, pixels);
+    EXPECT_NEAR(p.a, q.a, radians);
+}
+
+/// Motion from one pose to the next, about the corner of the view in which it is measured: a fifth
+/// of the frame from its top left.
+Trajectory motionBetween(const Trajectory& from, const Trajectory& to) {
+    const double angle = to.a - from.a, c = std::cos(angle), s = std::sin(angle);
+    const double cornerX = kWidth / 5, cornerY = kHeight / 5;
+    const double x = cornerX - from.x, y = cornerY - from.y;
+    return {c * x - s * y + to.x - cornerX, s * x + c * y + to.y - cornerY, angle};
+}
+
+TEST(Finder, FollowsAPanByWholeReducedPixels) {
+    const Finder finder = started();
+    EXPECT_EQ(feed(finder, Trajectory{}), Trajectory{});
+    expectNear(feed(finder, Trajectory{8, 0, 0}), {8, 0, 0});
+}
+
+TEST(Finder, SumsTheMotionsOfAShakyPan) {
+    const Finder finder = started();
+    const Trajectory poses[] = {{}, {11, 3, 0.006}, {20, -4, 0.001}, {33, -7, 0.009}};
+    EXPECT_EQ(feed(finder, poses[0]), Trajectory{});
+    Trajectory truth;
+    for (int i = 1; i < 4; ++i) {
+        truth += motionBetween(poses[i - 1], poses[i]);
+        expectNear(feed(finder, poses[i]), truth, 0.4 * i, 0.0005 * i);
+    }
+}
+
+TEST(Finder, RepeatsTheLastMotionWhereNoneCanBeMeasured) {
+    const Finder finder = started();
+    std::vector<unsigned char> flat(kWidth * kHeight, 90);
+    feed(finder, Trajectory{});
+    const Trajectory motion = feed(finder, Trajectory{8, 3, 0.004});
+    ASSERT_GT(motion.x, 4);
+    fake_platform::clearLog();
+    int frames = 1;
+    for (unsigned char* luma : {flat.data(), flat.data(), static_cast<unsigned char*>(nullptr)}) {
+        ++frames;
+        expectNear(feed(finder, luma), {frames * motion.x, frames * motion.y, frames * motion.a},
+                   1e-4, 1e-6);
+    }
+    EXPECT_EQ(fake_platform::countLog("CalculatePrevToCurTransform  prevFeaturePoints insufficeint "
+                                      "frame number 3  0 "),
+              1);
+}
+
+TEST(Finder, HasNoMotionToRepeatBeforeTheFirstMeasuredOne) {
+    const Finder finder = started();
+    // 24 dots give 24 corners, and the displacement filter drops the twelve that move.
+    EXPECT_EQ(feed(finder, dots(0).data()), Trajectory{});
+    fake_platform::clearLog();
+    EXPECT_EQ(feed(finder, dots(8).data()), Trajectory{});
+    EXPECT_EQ(fake_platform::countLog("CalculatePrevToCurTransform insufficeint forward backward "
+                                      "tracking frame number 1 12"),
+              1);
+}
+
+TEST(Finder, CountsFramesWithoutAPicture) {
+    const Finder finder = started();
+    EXPECT_EQ(feed(finder, nullptr), Trajectory{});
+    EXPECT_EQ(feed(finder, Trajectory{}), Trajectory{});
+    EXPECT_EQ(feed(finder, Trajectory{8, 0, 0}), Trajectory{})
+        << "adds the motion of the frame before";
+    expectNear(feed(finder, nullptr), {8, 0, 0});
+}
+
+TEST(Finder, RepeatsTheLastMotionWhileItHasNoBuffers) {
+    std::vector<unsigned char> luma(64 * 64);
+    const Finder finder(ifindTransform::Create());
+    EXPECT_EQ(feed(finder, luma.data()), Trajectory{});
+    EXPECT_EQ(finder->Initialize(64, 64), 0);
+    finder->Release();
+    EXPECT_EQ(feed(finder, luma.data()), Trajectory{});
+}
+
+TEST(Finder, KeepsItsPictureWhenASecondSizeIsRefused) {
+    const Finder finder = started();
+    feed(finder, Trajectory{});
+    EXPECT_EQ(finder->Initialize(3, 3), 1);
+    expectNear(feed(finder, Trajectory{8, 0, 0}), {8, 0, 0});
+    EXPECT_EQ(finder->Initialize(64, 64), 0);
+    std::vector<unsigned char> luma(64 * 64);
+    feed(finder, luma.data());
+}
+
+TEST(Finder, TakesAnySizeThatLeavesAReducedPixel) {
+    std::mt19937 random(1);
+    for (const auto& [width, height] : std::vector<std::array<int, 2>>{{4, 4},
+                                                                       {8, 8},
+                                                                       {16, 16},
+                                                                       {32, 32},
+                                                                       {36, 180},
+                                                                       {4, 4000},
+                                                                       {4000, 4},
+                                                                       {32767, 4},
+                                                                       {4000, 32},
+                                                                       {32, 4000},
+                                                                       {260, 260}}) {
+        const Finder finder = started(width, height);
+        for (int i = 0; i < 3; ++i) {
+            std::vector<unsigned char> noise(static_cast<std::size_t>(width) * height);
+            std::generate(noise.begin(), noise.end(),
+                          [&] { return static_cast<unsigned char>(random()); });
+            const Trajectory t = feed(finder, noise.data());
+            EXPECT_TRUE(std::isfinite(t.x) && std::isfinite(t.y) && std::isfinite(t.a));
+        }
+    }
+}
+
+}  // namespace

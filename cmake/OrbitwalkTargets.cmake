@@ -25,10 +25,12 @@ find_package(OrbitwalkOpenCV REQUIRED)
 
 add_library(orbitwalk_settings INTERFACE)
 target_compile_features(orbitwalk_settings INTERFACE cxx_std_20)
-# Contraction would fuse multiply and add on 64-bit ARM, and the record would differ between machines.
+# Contraction would fuse multiply and add on 64-bit ARM, and the record would differ between machines. The
+# prefix keeps the paths of the machine that builds out of the errors that OpenCV reports.
 target_compile_options(orbitwalk_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wformat=2 -Wnon-virtual-dtor
-    -Woverloaded-virtual -Werror -ffp-contract=off)
+    -Woverloaded-virtual -Werror -ffp-contract=off
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(ORBITWALK_SANITIZE)
     target_compile_options(orbitwalk_settings INTERFACE
         -fsanitize=${ORBITWALK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

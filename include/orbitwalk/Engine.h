@@ -68,7 +68,7 @@ static_assert(offsetof(_ENCODING_FRAME_INFORMATION, otherInfo2) == 20);
 static_assert(sizeof(void*) != 4 || sizeof(_OBW_ENGINE_INIT_PARAM) == 28);
 
 /// Direction of the sweep. Stop accepts the first two; it takes any other value as left to right.
-enum OBWDirection {
+enum OBWDirection : int {
     OBW_DIRECTION_LEFT2RIGHT = 1,
     OBW_DIRECTION_RIGHT2LEFT = 2,
     OBW_DIRECTION_TOP2BOTTOM = 3,

@@ -1,0 +1,86 @@
+#include <limits>
+#include <thread>
+
+#include "engine/EngineFixture.h"
+
+namespace {
+
+TEST_F(EngineTest, BadArgumentsAreRefusedAndAProperCallCanFollow) {
+    EXPECT_EQ(initOrbitwalkEngine(nullptr), -1);
+    EXPECT_EQ(fake_platform::countLog("Listener is null"), 1);
+    ASSERT_EQ(initOrbitwalkEngine(&listener), 1);
+    EXPECT_EQ(startOrbitwalkEngine(nullptr), -1);
+    ASSERT_EQ(startOrbitwalkEngine(&param), 1);
+    EXPECT_EQ(provideFrameandTrajectory(nullptr, 0, 0, 0), -1);
+    EXPECT_EQ(
+        fake_platform::countLog("provideFrameandTrajectory : ERROR........status=7, returning -1 "),
+        1);
+    ASSERT_EQ(provideFrameandTrajectory(frame.data(), 0, 0, 0), 1);
+    auto frames = framesWithFlags({1});
+    const int counts[] = {0, -1, 1001, std::numeric_limits<int>::max(),
+                          std::numeric_limits<int>::min()};
+    for (const int count : counts)
+        EXPECT_EQ(engine().stop(0, 0, frames.data(), count, OBW_DIRECTION_LEFT2RIGHT),
+                  OBW_RESULT_INVALID_PARAM);
+    EXPECT_EQ(engine().stop(0, 0, nullptr, 1, OBW_DIRECTION_LEFT2RIGHT), OBW_RESULT_INVALID_PARAM);
+    EXPECT_EQ(state(), 9);
+    EXPECT_TRUE(tempDirExists());
+    ASSERT_EQ(stopOrbitwalkEngine(0, 0, frames.data(), 1, OBW_DIRECTION_LEFT2RIGHT), 1);
+    EXPECT_EQ(listener.awaitAll(), kAllProgress);
+}
+
+TEST_F(EngineTest, ATrajectoryCallWithoutACaptureGivesZeros) {
+    float x = 1, y = 2, a = 3;
+    getTrajectory(frame.data(), &x, &y, &a);
+    EXPECT_EQ(x, 0.0f);
+    EXPECT_EQ(y, 0.0f);
+    EXPECT_EQ(a, 0.0f);
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    ASSERT_EQ(start(), OBW_RESULT_OK);
+    EXPECT_EQ(engine().computeTrajectory(frame.data(), nullptr, &y, &a), OBW_RESULT_FAIL);
+    EXPECT_EQ(engine().computeTrajectory(frame.data(), &x, nullptr, &a), OBW_RESULT_FAIL);
+    EXPECT_EQ(engine().computeTrajectory(frame.data(), &x, &y, nullptr), OBW_RESULT_FAIL);
+    EXPECT_EQ(engine().computeTrajectory(nullptr, &x, &y, &a), OBW_RESULT_OK);
+}
+
+TEST_F(EngineTest, TrajectoriesOfAnyValueGiveAFiniteRecord) {
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    for (const float value : {std::numeric_limits<float>::quiet_NaN(), 3e38f,
+                              -std::numeric_limits<float>::infinity()}) {
+        listener.forget();
+        ASSERT_EQ(start(), OBW_RESULT_OK);
+        ASSERT_EQ(feed(3), OBW_RESULT_OK);
+        ASSERT_EQ(
+            stop(0, 2, {{0, 0, 0, 1, 0, 0}, {value, value, value, 1, 0, 0}, {1, 1, 0, 1, 0, 0}}),
+            OBW_RESULT_OK);
+        EXPECT_EQ(listener.awaitAll(), kAllProgress);
+        EXPECT_EQ(record.renderMat[0][8], 1000000);
+    }
+}
+
+TEST_F(EngineTest, CallsFromManyThreadsEndInOrder) {
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([this, t] {
+            for (int i = 0; i < 10; ++i) {
+                float x, y, a;
+                auto frames = framesWithFlags({1, 1});
+                if (t == 0)
+                    engine().start(&param);
+                engine().computeTrajectory(frame.data(), &x, &y, &a);
+                engine().setFrameInfo(frame.data(), 0, 0, 0);
+                if (t == 1)
+                    engine().stop(0, 1, frames.data(), 2, OBW_DIRECTION_LEFT2RIGHT);
+                if (t == 2)
+                    engine().cancel();
+                if (t == 3)
+                    engine().init(0, 0, &listener);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(deinitOrbitwalkEngine(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,170 @@
+#include <cstring>
+
+#include "engine/EngineFixture.h"
+
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+constexpr int kIdentity[] = {1000000, 0, 0, 0, 1000000, 0, 0, 0, 1000000};
+
+TEST_F(EngineTest, AStillCaptureGivesARecordOfIdentities) {
+    param.frontCamFlipped = true;
+    beginCapture(3);
+    ASSERT_EQ(listener.awaitAll(), kAllProgress);
+
+    __kelOBWKDXMetaData expected{};
+    expected.width = 64;
+    expected.height = 48;
+    expected.numFrames = 3;
+    expected.startIndex = 0;
+    expected.endIndex = 2;
+    expected.captureDirection = 1;
+    expected.cameraType = 1;
+    expected.frontCameraFlipped = 1;
+    expected.maxFrames = 1000;
+    expected.cropParam[2] = 64;  // no correction moves a frame, so all of the picture is common
+    expected.cropParam[3] = 48;
+    expected.matrixRows = expected.matrixCols = 3;
+    expected.viewAngleMaxFrames = 10;
+    expected.leftBorderFrames = expected.rightBorderFrames = 6;
+    for (int i = 0; i < 3; ++i) {
+        std::memcpy(expected.renderMat[i], kIdentity, sizeof kIdentity);
+        expected.renderFlag[i] = 1;
+    }
+    for (int i = 0; i < 6; ++i) {  // no margin to widen the view into
+        std::memcpy(expected.leftBorderMat[i], kIdentity, sizeof kIdentity);
+        std::memcpy(expected.rightBorderMat[i], kIdentity, sizeof kIdentity);
+    }
+    EXPECT_EQ(std::memcmp(&record, &expected, sizeof expected), 0);
+    EXPECT_EQ(fake_writer::record().frames.size(), 3u);
+    EXPECT_FALSE(tempDirExists());
+}
+
+TEST_F(EngineTest, StopSendsTheSelectedFramesAgainstTheFirstOfThem) {
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    ASSERT_EQ(start(), OBW_RESULT_OK);
+    ASSERT_EQ(feed(5), OBW_RESULT_OK);
+    std::vector<_ENCODING_FRAME_INFORMATION> frames;
+    for (int i = 0; i < 5; ++i)
+        frames.push_back({0.5f * static_cast<float>(i), 1.0f, 0, i == 4 ? 7 : 1, 100 + i, 200 + i});
+    ASSERT_EQ(stop(1, 3, frames, OBW_DIRECTION_RIGHT2LEFT), OBW_RESULT_OK);
+    ASSERT_EQ(listener.awaitAll(), kAllProgress);
+    const std::string sent =
+        "kelOBWEngine::stop sendTransformationMatrix done : stat = 1, transformation = ";
+    EXPECT_EQ(fake_platform::countLogPrefix(sent), 2);
+    EXPECT_EQ(fake_platform::countLog(sent + "[0.500000, 0.000000, 0.000000]"), 1);
+    EXPECT_EQ(fake_platform::countLog(sent + "[1.000000, 0.000000, 0.000000]"), 1);
+    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::stop save first valid frame trajectory = "
+                                      "[0.500000, 1.000000, 0.000000]"),
+              1);
+    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::stop : other info : 7, 104, 204"), 1);
+    EXPECT_THAT(std::vector(record.scaledInputTransform, record.scaledInputTransform + 6),
+                ElementsAre(0, 0, 500000, 1000000, 0, 0));
+    EXPECT_THAT(std::vector(record.renderFlag, record.renderFlag + 6),
+                ElementsAre(1, 1, 1, 1, 7, 0));
+    EXPECT_EQ(record.startIndex, 1);
+    EXPECT_EQ(record.endIndex, 3);
+    EXPECT_EQ(record.captureDirection, 2);
+}
+
+TEST_F(EngineTest, AStopWithOneOrNoSelectedFrameSendsOnePoint) {
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    for (const auto& flags : {std::vector{0, 0, 0}, {0, 1, 0}}) {
+        listener.forget();
+        fake_platform::clearLog();
+        ASSERT_EQ(start(), OBW_RESULT_OK);
+        ASSERT_EQ(feed(3), OBW_RESULT_OK);
+        ASSERT_EQ(stop(0, 2, framesWithFlags(flags)), OBW_RESULT_OK);
+        ASSERT_EQ(listener.awaitAll(), kAllProgress);
+        EXPECT_EQ(fake_platform::countLog("kelOBWEngine::stop sendTransformationMatrix done for "
+                                          "Single Valid Frame : stat = 1 "),
+                  1);
+        EXPECT_EQ(
+            fake_platform::countLogPrefix("kelOBWEngine::stop sendTransformationMatrix done : "),
+            0);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_THAT(record.renderMat[i], ElementsAreArray(kIdentity));
+        EXPECT_EQ(record.leftBorderFrames, 0);
+        EXPECT_EQ(record.rightBorderFrames, 0);
+        EXPECT_THAT(record.cropParam, ElementsAre(0, 0, 63, 47)) << "no correction";
+    }
+}
+
+TEST_F(EngineTest, InvalidRangesAndDirectionsFallBackToDefaults) {
+    const struct {
+        int first, last;
+        OBWDirection direction;
+        int start, end, recorded;
+    } cases[] = {
+        {-1, 1, OBW_DIRECTION_TOP2BOTTOM, 0, 2, 1},
+        {0, 3, OBW_DIRECTION_BOTTOM2TOP, 0, 2, 1},
+        {1, 2, OBW_DIRECTION_RIGHT2LEFT, 1, 2, 2},
+        {0, -1, static_cast<OBWDirection>(99), 0, 2, 1},
+    };
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    for (const auto& c : cases) {
+        listener.forget();
+        ASSERT_EQ(start(), OBW_RESULT_OK);
+        ASSERT_EQ(feed(2), OBW_RESULT_OK);
+        ASSERT_EQ(stop(c.first, c.last, framesWithFlags({1, 1}), c.direction), OBW_RESULT_OK);
+        ASSERT_EQ(listener.awaitAll(), kAllProgress);
+        EXPECT_EQ(record.startIndex, c.start);
+        EXPECT_EQ(record.endIndex, c.end);
+        EXPECT_EQ(record.captureDirection, c.recorded);
+    }
+}
+
+TEST_F(EngineTest, FramesBeyondTheRecordsCapacityAreStillEncoded) {
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    ASSERT_EQ(start(), OBW_RESULT_OK);
+    EXPECT_EQ(feed(1001), OBW_RESULT_OK);
+    ASSERT_EQ(stop(0, 999, framesWithFlags(std::vector<int>(1000, 1))), OBW_RESULT_OK);
+    EXPECT_EQ(listener.awaitAll(), kAllProgress);
+    EXPECT_EQ(fake_writer::record().frames.size(), 1001u);
+    EXPECT_EQ(record.numFrames, 1000);
+    EXPECT_EQ(record.renderFlag[999], 1);
+    EXPECT_EQ(record.viewAngleMaxFrames, 10);
+}
+
+TEST_F(EngineTest, OneProcessMakesOneCaptureAfterAnother) {
+    beginCapture(4);
+    ASSERT_EQ(listener.awaitAll(), kAllProgress);
+    listener.forget();
+    fake_platform::clearLog();
+    ASSERT_EQ(start(), OBW_RESULT_OK) << "state 7 accepts a start";
+    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::start lock done, engineState=4, numCapture=1"),
+              1);
+    ASSERT_EQ(feed(2), OBW_RESULT_OK);
+    ASSERT_EQ(stop(0, 1, framesWithFlags({1, 1})), OBW_RESULT_OK);
+    EXPECT_EQ(listener.awaitAll(), kAllProgress);
+    EXPECT_EQ(record.numFrames, 2);
+    EXPECT_EQ(fake_writer::record().inits.size(), 2u);
+    EXPECT_EQ(fake_writer::record().deinits, 2);
+}
+
+TEST_F(EngineTest, TheTrajectoryIsTheFindersAndTheFramesAreCopied) {
+    ASSERT_EQ(initOrbitwalkEngine(&listener), 1);
+    EXPECT_EQ(getSizeOrbitwalkInformation(), 52808);
+    ASSERT_EQ(startOrbitwalkEngine(&param), 1);
+    fake_writer::closeGate();
+    for (int i = 0; i < 20; ++i) {  // more than the ring's first slots
+        std::fill(frame.begin(), frame.end(), static_cast<unsigned char>(i));
+        float x = 5, y = 5, a = 5;
+        getTrajectory(frame.data(), &x, &y, &a);
+        EXPECT_THAT((std::vector{x, y, a}), Each(0.0f)) << "a picture without texture";
+        ASSERT_EQ(provideFrameandTrajectory(frame.data(), x, y, a), 1);
+    }
+    fake_writer::openGate();
+    auto frames = framesWithFlags(std::vector<int>(20, 1));
+    ASSERT_EQ(stopOrbitwalkEngine(0, 19, frames.data(), 20, OBW_DIRECTION_LEFT2RIGHT), 1);
+    ASSERT_EQ(listener.awaitAll(), kAllProgress);
+    const auto encoded = fake_writer::record().frames;
+    ASSERT_EQ(encoded.size(), 20u);
+    for (unsigned char i = 0; i < 20; ++i)
+        EXPECT_THAT(encoded[i], Each(i));
+}
+
+}  // namespace

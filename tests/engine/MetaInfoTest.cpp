@@ -1,0 +1,125 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <memory>
+
+#include "orbitwalk/MetaData.h"
+#include "support/FakePlatform.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// 2 frames, 1 left and 1 right border frame; the words of a matrix count up from its base.
+std::unique_ptr<__kelOBWKDXMetaData> sampleRecord() {
+    auto record = std::make_unique<__kelOBWKDXMetaData>();
+    record->width = 64;
+    record->height = 48;
+    record->numFrames = 2;
+    record->endIndex = 1;
+    record->orientation = 90;
+    record->captureDirection = 2;
+    record->cameraType = 1;
+    record->maxFrames = 1000;
+    record->cropParam[2] = 60;
+    record->cropParam[3] = 45;
+    record->matrixRows = record->matrixCols = 3;
+    record->viewAngleMaxFrames = 10;
+    record->leftBorderFrames = record->rightBorderFrames = 1;
+    record->scaledInputTransform[1] = -7;
+    for (int i = 0; i < 9; ++i) {
+        record->renderMat[0][i] = 10 + i;
+        record->renderMat[1][i] = 20 + i;
+        record->leftBorderMat[0][i] = 30 + i;
+        record->rightBorderMat[0][i] = 40 + i;
+    }
+    return record;
+}
+
+TEST(PrintMetaInfo, SaysTheRecordInItsOrder) {
+    fake_platform::clearLog();
+    printOBWMetaInfo(sampleRecord().get());
+    EXPECT_THAT(
+        fake_platform::logTexts("ORBITWALK_ENGINE"),
+        ElementsAre(
+            "printOBWMetaInfo : w:h = 64x48", "printOBWMetaInfo : frames = 2, 0 ~ 1",
+            "printOBWMetaInfo : algoType=0, algoVersion=0.000000, orientation=90, "
+            "captureDirection=2, cameraType=1",
+            "printOBWMetaInfo : ######### orientation/captureDirection/cameraType value meanings  "
+            "##########",
+            "printOBWMetaInfo : captureDirection --- 1 : Left to Right, 2 : Right to Left, 3 : Top "
+            "to Bottom, 4 : Bottom to Top",
+            "printOBWMetaInfo : orientation : 0->Landscape, 90->Portrait, 270->Reverse Landscape, "
+            "360->Reverse Portrait",
+            "printOBWMetaInfo : cameraType :  1 : Front Camera, 2 : Rear Camera",
+            "printOBWMetaInfo : crop param : 0x0,  60x45, matrix = 3x3",
+            "printOBWMetaInfo : w:h = 64x48", "printOBWMetaInfo : frontCameraFlipped = 0",
+            "printOBWMetaInfo : max frames = 1000",
+            "printOBWMetaInfo : renderMat[0] = [10,11,12,13,14,15,16,17,18]",
+            "printOBWMetaInfo : renderMat[1] = [20,21,22,23,24,25,26,27,28]",
+            "printOBWMetaInfo : scaled input Trasform[0] = 0",
+            "printOBWMetaInfo : scaled input Trasform[1] = -7",
+            "printOBWMetaInfo : view angle fitting : max frames = 10",
+            "printOBWMetaInfo : view angle fitting : left border frames = 1, right border frames = "
+            "1",
+            "printOBWMetaInfo : renderMat[0] = [30,31,32,33,34,35,36,37,38]",
+            "printOBWMetaInfo : renderMat[0] = [40,41,42,43,44,45,46,47,48]"));
+}
+
+TEST(PrintMetaInfo, PrintsNoMoreEntriesThanTheArraysHold) {
+    const auto record = sampleRecord();
+    const struct {
+        int numFrames, left, right, matrices, transforms;
+    } cases[] = {{0, 0, 0, 0, 0},
+                 {-5, -1, -1, 0, 0},
+                 {INT_MAX, INT_MAX, 11, 1020, 1000},
+                 {INT_MIN, 10, INT_MIN, 10, 0}};
+    for (const auto& c : cases) {
+        record->numFrames = c.numFrames;
+        record->leftBorderFrames = c.left;
+        record->rightBorderFrames = c.right;
+        fake_platform::clearLog();
+        printOBWMetaInfo(record.get());
+        EXPECT_EQ(fake_platform::countLogPrefix("printOBWMetaInfo : renderMat["), c.matrices);
+        EXPECT_EQ(fake_platform::countLogPrefix("printOBWMetaInfo : scaled input"), c.transforms);
+    }
+}
+
+TEST(FlipWarpMatrix, NegatesTheFirstColumnOfTheFramesMatricesAlone) {
+    const auto record = sampleRecord();
+    fake_platform::clearLog();
+    flipWarpMatrix(record.get());
+    EXPECT_THAT(record->renderMat[0], ElementsAre(-10, 11, 12, -13, 14, 15, -16, 17, 18));
+    EXPECT_THAT(record->renderMat[1], ElementsAre(-20, 21, 22, -23, 24, 25, -26, 27, 28));
+    EXPECT_THAT(fake_platform::logTexts(), ElementsAre("flipWarpMatrix : DONE........."));
+    flipWarpMatrix(record.get());
+    EXPECT_EQ(std::memcmp(record.get(), sampleRecord().get(), sizeof *record), 0);
+}
+
+TEST(FlipWarpMatrix, StaysWithinTheMatricesAndRestoresAnyValue) {
+    for (const auto& [rows, columns] :
+         {std::pair{INT_MAX, INT_MAX}, {INT_MAX, 0}, {3, -3}, {INT_MIN, 3}, {9, 1}, {4, 3}}) {
+        const auto record = sampleRecord();
+        record->numFrames = INT_MAX;
+        record->matrixRows = rows;
+        record->matrixCols = columns;
+        record->renderMat[999][0] = INT_MIN;
+        record->reserved[0] = 77;
+        const __kelOBWKDXMetaData before = *record;
+        flipWarpMatrix(record.get());
+        EXPECT_EQ(record->reserved[0], 77);
+        flipWarpMatrix(record.get());
+        EXPECT_EQ(std::memcmp(record.get(), &before, sizeof before), 0) << rows << ' ' << columns;
+    }
+}
+
+TEST(MetaInfo, IgnoresANullRecord) {
+    fake_platform::clearLog();
+    printOBWMetaInfo(nullptr);
+    flipWarpMatrix(nullptr);
+    EXPECT_TRUE(fake_platform::logLines().empty());
+}
+
+}  // namespace

@@ -1,0 +1,140 @@
+#include <atomic>
+#include <future>
+#include <stdexcept>
+#include <thread>
+
+#include "engine/EngineFixture.h"
+
+namespace {
+
+using testing::IsEmpty;
+
+TEST_F(EngineTest, ProgressAt100ComesWithoutTheLock) {
+    listener.hook = [this](int percent) {
+        if (percent == 100) {
+            EXPECT_EQ(state(), 7);
+            EXPECT_EQ(start(), OBW_RESULT_OK);
+        }
+    };
+    beginCapture(2);
+    EXPECT_EQ(listener.awaitAll(), kAllProgress);
+    EXPECT_EQ(feed(1), OBW_RESULT_OK);
+}
+
+TEST_F(EngineTest, AFailedMP4EndsWithoutProgressAndAllowsTheNextStart) {
+    for (const bool atInit : {true, false}) {
+        fake_writer::reset();
+        fake_writer::setInitResult(atInit ? 0 : 1);
+        fake_writer::setEncodeResult(0);
+        beginCapture(3);
+        awaitPostProcessing();
+        EXPECT_THAT(listener.percents(), IsEmpty());
+        EXPECT_EQ(state(), 7);
+    }
+    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::onOBWEngineDoPostProcess : "
+                                      "ResizeFrameProcessor->stop FAILED "),
+              2);
+    fake_writer::reset();
+    ASSERT_EQ(start(), OBW_RESULT_OK);
+    ASSERT_EQ(stop(0, 0, framesWithFlags({1})), OBW_RESULT_OK);
+    awaitPostProcessing();
+    EXPECT_THAT(listener.percents(), IsEmpty()) << "a recording without frames fails as well";
+    beginCapture(3);
+    EXPECT_EQ(listener.awaitAll(), kAllProgress);
+}
+
+TEST_F(EngineTest, AStopOnTheRemainsOfAFailedPostProcessingFinishesWithThem) {
+    fake_writer::setEncodeResult(0);
+    beginCapture(3);
+    awaitPostProcessing();
+    ASSERT_EQ(init(), OBW_RESULT_OK);
+    ASSERT_EQ(stop(0, 999, framesWithFlags(std::vector<int>(1000, 1))), OBW_RESULT_OK);
+    EXPECT_EQ(listener.awaitAll(), kAllProgress);
+    EXPECT_EQ(
+        fake_platform::countLog("kelOBWEngine::onOBWEngineDoPostProcess frameProcessor is NULL"),
+        1);
+}
+
+TEST_F(EngineTest, AListenerThatThrowsDoesNotStopTheWork) {
+    listener.hook = [count = 0](int) mutable {
+        if (++count < 7)
+            throw std::runtime_error("listener");
+    };
+    beginCapture(2);
+    EXPECT_EQ(listener.awaitAll(), std::vector{100});
+    EXPECT_EQ(record.numFrames, 2);
+}
+
+TEST_F(EngineTest, OtherCallsWaitUntilPostProcessingHasEnded) {
+    const struct {
+        const char* name;
+        int (*call)(EngineTest&, kelOBWEngine&);
+        const char* before;  ///< Said before the lock is taken.
+    } cases[] = {
+        {"stop",
+         [](EngineTest&, kelOBWEngine& engine) {
+             auto frames = framesWithFlags({1});
+             return engine.stop(0, 0, frames.data(), 1, OBW_DIRECTION_LEFT2RIGHT);
+         },
+         "kelOBWEngine::stop STOP_NON_BLOCKING : stateLock-lock : engineState=5, "},
+        {"cancel", [](EngineTest&, kelOBWEngine& engine) { return engine.cancel(); },
+         "kelOBWEngine::cancel : stateLock-lock : engineState=5"},
+        {"frame",
+         [](EngineTest&, kelOBWEngine& engine) {
+             unsigned char byte = 0;
+             return engine.setFrameInfo(&byte, 0, 0, 0);
+         },
+         "kelOBWEngine::setFrameInfo : stateLock-lock : totalNumFrames=2, engineState=5, "},
+    };
+    for (const auto& c : cases) {
+        fake_writer::closeGate();
+        listener.forget();
+        beginCapture(2);
+        fake_platform::clearLog();
+        auto waiting = std::async(std::launch::async, [&] { return c.call(*this, engine()); });
+        while (fake_platform::countLogPrefix(c.before) == 0)
+            std::this_thread::yield();
+        EXPECT_THAT(listener.percents(), IsEmpty());
+        fake_writer::openGate();
+        EXPECT_EQ(waiting.get(), OBW_RESULT_INVALID_STATE) << c.name;
+        EXPECT_EQ(listener.awaitAll(), kAllProgress) << c.name;
+        EXPECT_FALSE(tempDirExists());
+    }
+}
+
+TEST_F(EngineTest, DeinitWaitsForTheListenersLastCall) {
+    std::promise<void> entered, release;
+    std::atomic<bool> returned = false;
+    listener.hook = [&](int percent) {
+        if (percent == 100) {
+            entered.set_value();
+            release.get_future().wait();
+            returned = true;
+        }
+    };
+    beginCapture(2);
+    entered.get_future().wait();
+    auto waiting = std::async(std::launch::async, [&] {
+        EXPECT_EQ(deinitOrbitwalkEngine(), 1);
+        EXPECT_TRUE(returned);
+    });
+    while (fake_platform::countLogPrefix("kelOBWEngine::ResetInstance -- enter") == 0)
+        std::this_thread::yield();
+    release.set_value();
+    waiting.get();
+}
+
+TEST_F(EngineTest, TheListenerMayEndTheEngineFromItsLastCall) {
+    for (int round = 0; round < 20; ++round) {
+        listener.forget();
+        listener.hook = [](int percent) {
+            if (percent == 100) {
+                EXPECT_EQ(deinitOrbitwalkEngine(), 1);
+            }
+        };
+        beginCapture(1);
+        EXPECT_EQ(listener.awaitAll(), kAllProgress);
+    }
+}
+
+}  // namespace

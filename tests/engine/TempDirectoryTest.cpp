@@ -1,0 +1,134 @@
+#include "engine/TempDirectory.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "orbitwalk/Engine.h"
+#include "support/FakePlatform.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class TempDirectoryTest : public testing::Test {
+  protected:
+    TempDirectoryTest() {
+        std::string name = testing::TempDir() + "orbitwalk.XXXXXX";
+        EXPECT_NE(mkdtemp(name.data()), nullptr);
+        root = name;
+        fs::create_directory(dir());
+    }
+    ~TempDirectoryTest() override { fs::remove_all(root); }
+
+    fs::path dir() const { return root / "work"; }
+    /// As the engine names it, with a slash at the end.
+    std::string name() const { return dir().string() + "/"; }
+    static void write(const fs::path& file) { std::ofstream(file) << "x"; }
+
+    fs::path root;
+};
+
+TEST_F(TempDirectoryTest, IsRemovedWithAllThatItHolds) {
+    fs::create_directories(dir() / "a" / "b");
+    for (const char* file : {"1", ".hidden", "a/2", "a/b/3"})
+        write(dir() / file);
+    EXPECT_EQ(removeTempDir(name().c_str(), false), 0);
+    EXPECT_FALSE(fs::exists(dir()));
+    EXPECT_EQ(removeTempDir(name().c_str(), false), 0) << "a missing one counts as removed";
+}
+
+TEST_F(TempDirectoryTest, LinksAreRemovedAndNeverFollowed) {
+    fs::create_directory(root / "outside");
+    write(root / "outside" / "kept");
+    write(root / "file");
+    fs::create_directory_symlink(root / "outside", dir() / "toDirectory");
+    fs::create_symlink(root / "file", dir() / "toFile");
+    fs::create_symlink(root / "nothing", dir() / "toNothing");
+    EXPECT_EQ(removeTempDir(name().c_str(), false), 0);
+    EXPECT_FALSE(fs::exists(dir()));
+    EXPECT_TRUE(fs::exists(root / "outside" / "kept"));
+    EXPECT_TRUE(fs::exists(root / "file"));
+}
+
+TEST_F(TempDirectoryTest, ThatIsALinkItselfIsLeftAlone) {
+    write(dir() / "kept");
+    const fs::path link = root / "link";
+    fs::create_directory_symlink(dir(), link);
+    for (const std::string& path : {link.string(), link.string() + "/", link.string() + "//"})
+        EXPECT_EQ(removeTempDir(path.c_str(), false), 2) << path;
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_TRUE(fs::exists(dir() / "kept"));
+}
+
+TEST_F(TempDirectoryTest, RefusesPathsThatNameNoDirectoryOfItsOwn) {
+    for (const char* path : {"", "/", "///"})
+        EXPECT_EQ(removeTempDir(path, false), 2) << path;
+    EXPECT_EQ(removeTempDir(nullptr, false), 2);
+    EXPECT_EQ(removeTempDir(std::string(600, 'a').c_str(), false), 2);
+}
+
+TEST_F(TempDirectoryTest, KeepsEntriesWhosePathIsTooLong) {
+    fs::path deep = dir();
+    while (deep.string().size() < 500)
+        deep /= std::string(60, 'd');
+    fs::create_directories(deep);
+    write(dir() / "removed");
+    EXPECT_EQ(removeTempDir(name().c_str(), false), 2);
+    EXPECT_TRUE(fs::exists(deep));
+    EXPECT_FALSE(fs::exists(dir() / "removed"));
+}
+
+TEST_F(TempDirectoryTest, IsNotRemovedByAUserWhoMayNotWriteThere) {
+    constexpr auto readable = static_cast<fs::perms>(0555);
+    write(dir() / "kept");
+    for (const fs::path& path : {dir(), root})
+        fs::permissions(path, readable);
+    const uid_t user = geteuid();
+    if (user == 0) {  // may write everywhere
+        ASSERT_EQ(seteuid(65534), 0);
+    }
+    const int result = removeTempDir(name().c_str(), false);
+    ASSERT_EQ(seteuid(user), 0);
+    for (const fs::path& path : {root, dir()})
+        fs::permissions(path, fs::perms::owner_all);
+    EXPECT_EQ(result, 2);
+    EXPECT_TRUE(fs::exists(dir() / "kept"));
+}
+
+TEST_F(TempDirectoryTest, ShowsPathsOnEngineeringBuildsOnly) {
+    for (const bool showPaths : {false, true}) {
+        fs::create_directories(dir() / "inner");
+        write(dir() / "inner" / "file");
+        fake_platform::clearLog();
+        removeTempDir(name().c_str(), showPaths);
+        removeTempDir("/", showPaths);
+        for (const auto& line : fake_platform::logLines())
+            EXPECT_TRUE(showPaths || line.text.find('/') == std::string::npos) << line.text;
+        const std::string ok = "kelOBWEngine::removeTempDir : rm Dir OK ";
+        EXPECT_EQ(fake_platform::countLog(ok + (showPaths ? name() : ": Line: 280")),
+                  showPaths ? 1 : 2);
+        const std::string file = name() + "/inner/file";
+        EXPECT_EQ(
+            fake_platform::countLog(showPaths ? "kelOBWEngine::removeTempDir, unlink " + file + ", "
+                                              : "kelOBWEngine::removeTempDir, LINE:  : 254, "),
+            1);
+    }
+}
+
+TEST(LocalTmpDir, MayFillItsBufferToTheLastByte) {
+    const std::string before(localTmpDir);
+    std::fill(std::begin(localTmpDir), std::end(localTmpDir), 'x');
+    char copy[512];
+    copyLocalTmpDir(copy);
+    EXPECT_EQ(std::string(copy), std::string(200, 'x'));
+    EXPECT_FALSE(differsFromLocalTmpDir(copy));
+    copy[199] = '\0';
+    EXPECT_TRUE(differsFromLocalTmpDir(copy));
+    before.copy(localTmpDir, before.size());
+    localTmpDir[before.size()] = '\0';
+}
+
+}  // namespace

@@ -68,9 +68,10 @@ inline std::shared_ptr<const __kelOBWKDXMetaData> decode(std::span<const std::by
     auto record = std::make_shared<__kelOBWKDXMetaData>();
     auto* const target = reinterpret_cast<std::byte*>(record.get());
     for (std::size_t offset = 0; offset < OBW_METADATA_SIZE; offset += 4) {
+        const std::byte* const at = bytes.data() + offset;
         std::uint32_t word = 0;
-        for (std::size_t i = 0; i < 4; ++i)
-            word |= std::to_integer<std::uint32_t>(bytes[offset + i]) << (8 * i);
+        for (int i = 3; i >= 0; --i)
+            word = word << 8 | std::to_integer<std::uint32_t>(at[i]);
         std::memcpy(target + offset, &word, sizeof word);
     }
     return record;

@@ -45,6 +45,8 @@ __kelOBWKDXMetaData sampleRecord() {
         record.renderFlag[i] = i != 5;
         record.scaledInputTransform[i] = rendered ? (i - record.startIndex) * 25'500'000 : 0;
     }
+    // The last entry always repeats the last rendered frame's matrix.
+    std::ranges::copy(record.renderMat[record.endIndex], record.renderMat[frames - 1]);
     record.leftBorderFrames = record.rightBorderFrames = borderFrames;
     for (int k = 0; k < borderFrames; ++k) {
         writeMatrix(record.leftBorderMat[k], 38 - 5.0 * k, 2, 0);

@@ -1,0 +1,73 @@
+#include <algorithm>
+#include <iomanip>
+#include <numbers>
+#include <sstream>
+
+#include "inspect/RecordEntries.h"
+#include "inspect/RecordFormats.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+void writeHeader(std::ostream& out, const RecordReader& record, const RecordEntries& entries) {
+    const auto& raw = record.raw();
+    const CropRectangle crop = record.crop();
+    const auto rendered = std::ranges::count_if(entries.frames, &FrameEntry::rendered);
+    out << "frame        " << raw.width << "x" << raw.height << "\n"
+        << "frames       " << raw.numFrames << ", range " << raw.startIndex << " to "
+        << raw.endIndex << ", " << rendered << " rendered\n"
+        << "orientation  " << raw.orientation << " (" << orientationName(raw.orientation) << ")\n"
+        << "direction    " << raw.captureDirection << " (" << directionName(raw.captureDirection)
+        << ")\n"
+        << "camera       " << raw.cameraType << " (" << cameraName(raw.cameraType) << "), preview "
+        << (record.isFlipped() ? "flipped" : "not flipped") << "\n"
+        << "algorithm    type " << raw.algoType << ", version " << raw.algoVersion << "\n"
+        << std::fixed << std::setprecision(1)  //
+        << "crop         " << crop.width << "x" << crop.height << " at " << crop.x << "," << crop.y
+        << " (" << 100.0 * crop.width / raw.width << " % of the width, "
+        << 100.0 * crop.height / raw.height << " % of the height)\n"
+        << "border       " << raw.leftBorderFrames << " frames left, " << raw.rightBorderFrames
+        << " right\n";
+}
+
+void writeMatrix(std::ostream& out, const MatrixEntry& entry, bool withFixed) {
+    out << std::setprecision(3) << std::setw(10) << entry.dx << std::setw(10) << entry.dy
+        << std::setw(10) << entry.angle * 180 / std::numbers::pi;
+    if (withFixed) {
+        out << "  [";
+        for (std::size_t i = 0; i < entry.fixed.size(); ++i)
+            out << (i ? " " : "") << entry.fixed[i];
+        out << "]";
+    }
+    out << "\n";
+}
+
+void writeBorder(std::ostream& out, const char* side, const std::vector<MatrixEntry>& entries,
+                 bool withFixed) {
+    for (const MatrixEntry& entry : entries) {
+        out << std::setw(5) << side << std::setw(5) << entry.index << std::setw(24) << "";
+        writeMatrix(out, entry, withFixed);
+    }
+}
+
+}  // namespace
+
+std::string recordAsText(const RecordReader& record, bool withFixed) {
+    const RecordEntries entries = listEntries(record);
+    std::ostringstream out;
+    writeHeader(out, record, entries);
+    out << "\n          flag  shown   sweep/px     dx/px     dy/px   angle/°"
+        << (withFixed ? "  [matrix x 1000000]" : "") << "\n";
+    writeBorder(out, "left", entries.left, withFixed);
+    for (const FrameEntry& frame : entries.frames) {
+        out << "frame" << std::setw(5) << frame.matrix.index << std::setw(4) << frame.flag
+            << std::setw(7) << (frame.rendered ? "yes" : "no") << std::setprecision(3)
+            << std::setw(13) << frame.displacement;
+        writeMatrix(out, frame.matrix, withFixed);
+    }
+    writeBorder(out, "right", entries.right, withFixed);
+    return out.str();
+}
+
+}  // namespace orbitwalk::tool

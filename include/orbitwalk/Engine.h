@@ -11,9 +11,9 @@
 /// Calling order: init, getSize, then for each capture start, per frame getTrajectory and
 /// provideFrameandTrajectory, then stop (or cancel), and at the end deinit.
 ///
-///     init -> IDLE -start-> IDLE -frames-> IDLE -stop-> STOPPING -post-processing-> DONE -start->
-///     IDLE ...
-///                            '------cancel------------------------------------------^
+///     any --init--> IDLE --start--> IDLE --frames--> IDLE --stop--> STOPPING --100--> DONE
+///                                                      '-----------cancel--------------^
+///     DONE --start--> IDLE
 ///
 /// Threads. One thread controls a capture. While post-processing runs, the engine's lock is held:
 /// start, frames, stop, cancel, init and deinit wait until it has ended. The listener runs on the
@@ -37,8 +37,8 @@
 /// What start needs to know. Read once; the stream and the buffer stay the caller's and must live
 /// until progress 100, or until cancel or deinit has returned.
 struct _OBW_ENGINE_INIT_PARAM {
-    /// Frame size in pixels, at least 4x4. width * height * 3 must fit a signed 32-bit integer and
-    /// neither side may exceed 32767.
+    /// Frame size in pixels, at least 4x4. Neither side may exceed 32767, and 15 frames of
+    /// width * height * 3 / 2 bytes must fit a signed 32-bit integer.
     std::int32_t imageWidth;
     std::int32_t imageHeight;
     std::int32_t imageFormat;  ///< The caller's pixel-format code; logged, never interpreted.
@@ -82,7 +82,8 @@ class OBWEngineListener {
     virtual ~OBWEngineListener() = default;
 
     /// Called on the post-processing thread with percent 15, 30, 45, 60, 75, 90 and 100 and status
-    /// 0. A failed post-processing never reaches 100. Must not throw.
+    /// 0. A failed post-processing never reaches 100: the MP4 could not be written, or no frame was
+    /// provided. What it throws is dropped.
     virtual void onProgress(int status, int percent) = 0;
 };
 

@@ -21,7 +21,7 @@ inline std::vector<std::vector<std::uint8_t>> panningFrames(int width, int heigh
                 const double value = std::sin(u * 0.061) * std::sin(y * 0.073 + u * 0.002) +
                                      0.6 * std::sin(u * 0.017 + y * 0.023);
                 frame[static_cast<std::size_t>(y) * width + x] =
-                    static_cast<std::uint8_t>(120 + 70 * value + random() % 4);
+                    static_cast<std::uint8_t>(120 + 70 * value + static_cast<double>(random() % 4));
             }
         frames.push_back(std::move(frame));
     }

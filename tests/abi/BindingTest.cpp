@@ -14,22 +14,24 @@ extern int rivalEstimatorCalls;
 
 namespace {
 
-constexpr int kWidth = 640;
-constexpr int kHeight = 480;
+constexpr int kWidth = 1280;
+constexpr int kHeight = 960;
 
 class SilentListener : public OBWEngineListener {
   public:
     void onProgress(int, int) override {}
 };
 
-/// A smooth scene with corners everywhere, moved to the left by the given number of pixels.
+/// A smooth scene with corners everywhere, moved to the left by the given number of pixels: a tenth
+/// less at the top and a tenth more at the bottom, because the finder drops the longer half of its
+/// tracks.
 std::vector<unsigned char> sceneMovedLeft(double pixels) {
     std::vector<unsigned char> frame(kWidth * kHeight * 3 / 2, 128);
     for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x) {
-            const double u = x + pixels;
+            const double u = x + pixels * (0.9 + 0.2 * y / kHeight);
             const double value =
-                std::sin(u * 0.11) * std::sin(y * 0.13) + 0.5 * std::sin(u * 0.031 + y * 0.047);
+                std::sin(u * 0.05) * std::sin(y * 0.06) + 0.5 * std::sin(u * 0.031 + y * 0.047);
             frame[static_cast<std::size_t>(y) * kWidth + x] =
                 static_cast<unsigned char>(128 + 80 * value);
         }
@@ -62,7 +64,7 @@ TEST(Binding, TheEngineRunsItsOwnEstimatorWhateverTheProgramLinksFirst) {
         getTrajectory(sceneMovedLeft(6.0 * i).data(), &x, &y, &a);
 
     EXPECT_EQ(rivalEstimatorCalls, 0);
-    EXPECT_NEAR(x, -18.0f, 2.0f) << "pixels; the rival's empty result would have left 0";
+    EXPECT_NEAR(x, -18.0f, 1.8f) << "pixels; the rival's empty result would have left 0";
     cancelOrbitwalkEngine();
     deinitOrbitwalkEngine();
     std::fclose(mp4);

@@ -48,7 +48,6 @@ TEST(SymbolTable, ExportsExactlyTheEntryPointsAndTheClassesOfTheSurface) {
         "CSharedBufferQueue::size()",
         "vtable for CSharedMemory",
         "vtable for CSharedBufferQueue",
-        "vtable for CSharedBufferInterface",
         "typeinfo for CSharedMemory",
         "typeinfo for CSharedBufferQueue",
         "typeinfo for CSharedBufferInterface",

@@ -1,0 +1,185 @@
+#include "media/VideoReader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Clips.h"
+#include "media/AvSupport.h"
+#include "media/VideoWriter.h"
+
+namespace {
+
+using namespace orbitwalk::media;
+using clips::Frame;
+using clips::TempDir;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+
+/// A Y4M file of one picture: a text header and the planes as they are.
+std::string y4m(const std::string& parameters, const Frame& planes) {
+    return "YUV4MPEG2 " + parameters + "\nFRAME\n" + std::string(planes.begin(), planes.end());
+}
+
+TEST(VideoReader, CutsOffAnOddLastColumnAndRow) {
+    const TempDir dir;
+    // 5 x 3 luma, 3 x 2 chroma.
+    clips::writeFile(dir / "odd.y4m", y4m("W5 H3 F25:1 C420jpeg",
+                                          {16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29,
+                                           30, 91, 92, 93, 94, 95, 96, 71, 72, 73, 74, 75, 76}));
+    VideoReader reader(dir / "odd.y4m");
+    EXPECT_EQ(reader.width(), 4);
+    EXPECT_EQ(reader.height(), 2);
+    EXPECT_EQ(reader.frameRate().numerator, 25);
+    Frame frame;
+    ASSERT_TRUE(reader.read(frame));
+    EXPECT_THAT(frame, ElementsAreArray({16, 17, 18, 19, 21, 22, 23, 24, 91, 92, 71, 72}));
+    EXPECT_FALSE(reader.read(frame));
+}
+
+TEST(VideoReader, ConvertsOtherFormatsToVideoRangeI420) {
+    const Frame uniform444 = [] {
+        Frame planes(16 * 16 * 3, 200);
+        std::fill_n(planes.begin(), 16 * 16, std::uint8_t{100});
+        return planes;
+    }();
+    Frame fullRange(16 * 16 * 3 / 2, 128);
+    std::fill_n(fullRange.begin(), 16 * 8, std::uint8_t{0});
+    std::fill_n(fullRange.begin() + 16 * 8, 16 * 8, std::uint8_t{255});
+    const struct {
+        const char* name;
+        std::string bytes;
+        int firstLuma, lastLuma, chroma;
+    } cases[] = {
+        {"444.y4m", y4m("W16 H16 F25:1 C444", uniform444), 100, 100, 200},
+        // Black 0 and white 255 become 16 and 235.
+        {"full.y4m", y4m("W16 H16 F25:1 C420jpeg XCOLORRANGE=FULL", fullRange), 16, 235, 128},
+    };
+    const TempDir dir;
+    for (const auto& c : cases) {
+        clips::writeFile(dir / c.name, c.bytes);
+        const auto frames = clips::readFrames(dir / c.name);
+        ASSERT_EQ(frames.size(), 1u) << c.name;
+        EXPECT_NEAR(frames[0].at(0), c.firstLuma, 1) << c.name;
+        EXPECT_NEAR(frames[0].at(255), c.lastLuma, 1) << c.name;
+        EXPECT_NEAR(frames[0].at(383), c.chroma, 1) << c.name;
+    }
+}
+
+/// Writes frames of moving waves, 64 x 48.
+void writeClip(const std::filesystem::path& file, int frames, bool fragmented = false) {
+    std::FILE* stream = std::fopen(file.c_str(), "wb");
+    {
+        EncoderSettings settings;
+        settings.width = 64;
+        settings.height = 48;
+        settings.threads = 1;
+        settings.fragmented = fragmented;
+        VideoWriter writer(stream, settings);
+        for (int i = 0; i < frames; ++i)
+            writer.write(clips::movingWaves(64, 48, i));
+        writer.finish();
+    }
+    std::fclose(stream);
+}
+
+/// Copies a clip's packets with other presentation times, in milliseconds.
+void retime(const std::filesystem::path& from, const std::filesystem::path& to,
+            const std::vector<int>& times) {
+    AVFormatContext* source = nullptr;
+    ASSERT_EQ(avformat_open_input(&source, from.c_str(), nullptr, nullptr), 0);
+    const InputPtr input(source);
+    AVFormatContext* target = nullptr;
+    avformat_alloc_output_context2(&target, nullptr, "matroska", to.c_str());
+    const OutputPtr output(target);
+    ASSERT_EQ(avio_open(&target->pb, to.c_str(), AVIO_FLAG_WRITE), 0);
+    AVStream* track = avformat_new_stream(target, nullptr);
+    avcodec_parameters_copy(track->codecpar, source->streams[0]->codecpar);
+    ASSERT_GE(avformat_write_header(target, nullptr), 0);
+    const auto packet = makePacket();
+    for (const int time : times) {
+        ASSERT_EQ(av_read_frame(source, packet.get()), 0);
+        packet->pts = packet->dts = time;
+        av_write_frame(target, packet.get());
+        av_packet_unref(packet.get());
+    }
+    av_write_trailer(target);
+    avio_closep(&target->pb);
+}
+
+TEST(VideoReader, NeitherDuplicatesNorDropsAtUnevenTimestamps) {
+    const TempDir dir;
+    // Fragmented: no pictures out of order, so the order of the file is that of presentation.
+    writeClip(dir / "even.mp4", 8, true);
+    retime(dir / "even.mp4", dir / "uneven.mkv", {0, 1, 2, 300, 333, 900, 901, 4000});
+    EXPECT_EQ(clips::readFrames(dir / "uneven.mkv"), clips::readFrames(dir / "even.mp4"));
+}
+
+TEST(VideoReader, TellsTheDisplayRotationClockwise) {
+    const TempDir dir;
+    writeClip(dir / "clip.mp4", 2);
+    const std::string clip = clips::readFile(dir / "clip.mp4");
+    constexpr std::size_t kMatrixAfterType = 40;
+    const std::size_t matrix = clip.find("tkhd") + 4 + kMatrixAfterType;
+    const std::string one{"\0\1\0\0", 4}, minusOne{"\xff\xff\0\0", 4}, zero(4, '\0');
+    const struct {
+        int degrees;
+        std::string a, b, c, d;
+    } cases[] = {{0, one, zero, zero, one},
+                 {90, zero, one, minusOne, zero},
+                 {180, minusOne, zero, zero, minusOne},
+                 {270, zero, minusOne, one, zero}};
+    for (const auto& c : cases) {
+        std::string turned = clip;
+        turned.replace(matrix, 20, c.a + c.b + zero + c.c + c.d);
+        clips::writeFile(dir / "turned.mp4", turned);
+        const VideoReader reader(dir / "turned.mp4");
+        EXPECT_EQ(reader.rotationDegrees(), c.degrees);
+        EXPECT_EQ(reader.expectedFrames(), 2);
+    }
+}
+
+/// Why reading a file whole fails; empty when it does not.
+std::string complaintOf(const std::filesystem::path& file) {
+    try {
+        clips::readFrames(file);
+        return {};
+    } catch (const MediaError& error) {
+        return error.what();
+    }
+}
+
+TEST(VideoReader, SaysInOneLineWhichFileItCannotRead) {
+    const std::string wav =
+        std::string("RIFF\x34\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1f\0\0\x80\x3e\0\0\2\0\x10\0",
+                    36) +
+        std::string("data\x10\0\0\0", 8) + std::string(16, '\0');
+    const auto ppm = [](int side) {
+        const std::string size = std::to_string(side);
+        return "P6\n" + size + " " + size + "\n255\n" +
+               std::string(static_cast<std::size_t>(side * side * 3), 'x');
+    };
+    const TempDir dir;
+    writeClip(dir / "clip.mp4", 10);
+    const struct {
+        const char* name;
+        std::string bytes;
+        const char* reason;
+    } cases[] = {
+        {"empty.mp4", "", "Invalid data"},
+        {"garbage.mp4", std::string(5000, '\x5a'), "Invalid data"},
+        {"index lost.mp4", clips::readFile(dir / "clip.mp4").substr(0, 500), "Invalid data"},
+        {"song:take 1.wav", wav, "no video in it"},
+        {"grows", ppm(8) + ppm(16), "its picture size changes half-way"},
+    };
+    for (const auto& c : cases) {
+        const auto file = dir / c.name;
+        clips::writeFile(file, c.bytes);
+        const std::string complaint = complaintOf(file);
+        EXPECT_THAT(complaint, HasSubstr("cannot read " + file.string() + ": " + c.reason));
+        EXPECT_EQ(complaint.find('\n'), std::string::npos);
+    }
+    EXPECT_EQ(complaintOf(dir / "missing.mp4"),
+              "cannot read " + (dir / "missing.mp4").string() + ": No such file or directory");
+}
+
+}  // namespace

@@ -38,7 +38,9 @@ void VideoDecoder::openDecoder() {
         throw std::bad_alloc();
     check(avcodec_parameters_to_context(mCodec.get(), stream().codecpar));
     mCodec->pkt_timebase = stream().time_base;
-    mCodec->thread_count = 0;
+    // One thread: what the pictures are read for takes far longer than decoding them, and nothing
+    // is decoded ahead.
+    mCodec->thread_count = 1;
     check(avcodec_open2(mCodec.get(), decoder, nullptr));
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /* The Android log as the engine calls it. On a phone the platform's own header of this name is
- * used; here liborbitwalk's platform library provides the call. */
+ * used; here the platform library for hosts provides the call. */
 
 #ifdef __cplusplus
 extern "C" {
@@ -16,8 +16,9 @@ enum {
     ANDROID_LOG_FATAL = 7
 };
 
-/* Writes one line, printf-like, under a tag. Any thread. Returns a positive number when it was
- * written. */
+/* Writes one line of any length, printf-like, under a tag; one newline at its end is dropped, the
+ * log adds its own. A null tag is an empty one; a null format says nothing. Any thread. Returns a
+ * positive number when it was written or heard by a listener, 0 when not. */
 __attribute__((visibility("default"), format(printf, 3, 4))) int __android_log_print(
     int priority, const char* tag, const char* format, ...);
 

@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "commands/Commands.h"
+#include "common/ToolError.h"
 
 int main(int argc, char** argv) {
     CLI::App app{"Capture, look at and trust a panning-video sweep."};
@@ -15,6 +16,9 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
         return app.exit(e);
+    } catch (const orbitwalk::tool::ToolError& e) {
+        std::fprintf(stderr, "orbitwalk: %s\n", e.what());
+        return e.exitCode();
     } catch (const std::exception& e) {
         std::fprintf(stderr, "orbitwalk: %s\n", e.what());
         return 1;

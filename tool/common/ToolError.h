@@ -1,13 +1,21 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace orbitwalk::tool {
 
-/// A failure that ends a command: one clear line for the user. main prints it and exits with 1.
+/// A failure that ends a command: one clear line for the user. main prints it and exits with the
+/// code.
 class ToolError : public std::runtime_error {
   public:
-    using std::runtime_error::runtime_error;
+    explicit ToolError(const std::string& line, int exitCode = 1)
+        : std::runtime_error(line), mExitCode(exitCode) {}
+
+    int exitCode() const { return mExitCode; }
+
+  private:
+    int mExitCode;
 };
 
 }  // namespace orbitwalk::tool

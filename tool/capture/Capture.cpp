@@ -1,0 +1,139 @@
+#include "capture/Capture.h"
+
+#include <chrono>
+#include <string>
+
+#include "capture/EngineTempDirectory.h"
+#include "capture/FrameFeed.h"
+#include "capture/OutputFiles.h"
+#include "capture/Session.h"
+#include "capture/SignalGuard.h"
+#include "capture/StageTimer.h"
+#include "capture/SweepCsv.h"
+#include "common/ProgressBar.h"
+#include "common/ToolError.h"
+
+namespace fs = std::filesystem;
+
+namespace orbitwalk::tool {
+namespace {
+
+constexpr char kVideoName[] = "sweep.mp4";
+constexpr char kRecordName[] = "sweep.obw";
+constexpr char kPathName[] = "sweep.csv";
+
+void refuseToReplaceTheSource(const CaptureOptions& options) {
+    for (const char* name : {kVideoName, kRecordName, kPathName}) {
+        std::error_code noSuchFile;
+        if (fs::equivalent(options.video, options.directory / name, noSuchFile))
+            throw ToolError(options.video.string() +
+                            " is the video to capture and would be replaced");
+    }
+}
+
+void requireFrame(const char* option, int frame, int frames) {
+    if (frame < 0 || frame >= frames)
+        throw ToolError(std::string(option) + " " + std::to_string(frame) +
+                        ": the sweep has the frames 0 to " + std::to_string(frames - 1));
+}
+
+SweepSelection select(const CaptureOptions& options, const std::vector<PathPoint>& path) {
+    const int frames = static_cast<int>(path.size());
+    SweepSelection selection{.first = options.first.value_or(0),
+                             .last = options.last.value_or(frames - 1),
+                             .flags = std::vector<std::int32_t>(path.size(), 1),
+                             .direction = OBW_DIRECTION_LEFT2RIGHT};
+    requireFrame("--first", selection.first, frames);
+    requireFrame("--last", selection.last, frames);
+    if (selection.first > selection.last)
+        throw ToolError("--first " + std::to_string(selection.first) +
+                        " is after the last frame, " + std::to_string(selection.last));
+    for (const int frame : options.skip) {
+        requireFrame("--skip", frame, frames);
+        selection.flags[frame] = 0;
+    }
+    selection.direction =
+        options.direction.value_or(sweepDirection(path[selection.first], path[selection.last],
+                                                  options.orientation, options.frontCameraFlipped));
+    return selection;
+}
+
+void fillPostProcessing(StageSeconds& seconds, const Session& session) {
+    const auto until = [&](int percent) { return session.secondsUntil(percent).value_or(0); };
+    seconds.finishVideo = until(15);
+    seconds.smooth = until(45) - until(30);
+    seconds.renderMatrices = until(60) - until(45);
+    seconds.cleanUp = until(100) - until(60);
+}
+
+void fillFromRecord(Summary& summary, const __kelOBWKDXMetaData& record) {
+    summary.width = record.width;
+    summary.height = record.height;
+    summary.cropWidthShare = static_cast<double>(record.cropParam[2]) / record.width;
+    summary.cropHeightShare = static_cast<double>(record.cropParam[3]) / record.height;
+    summary.uncorrected = isUncorrected(record);
+}
+
+Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& session,
+             const SignalGuard& signals, StageSeconds& seconds) {
+    Feed feed = feedVideo(video, session, options.realtime, signals, seconds);
+    if (feed.path.empty())
+        throw ToolError(options.video.string() + " holds no frame");
+    return feed;
+}
+
+/// Runs the session to its end and writes what it gave.
+Summary runSession(const CaptureOptions& options, media::VideoReader& video, OutputFiles& outputs,
+                   const SignalGuard& signals) {
+    Summary summary;
+    Session session({.width = video.width(),
+                     .height = video.height(),
+                     .orientation = options.orientation,
+                     .frontCameraFlipped = options.frontCameraFlipped},
+                    outputs.create(kVideoName));
+    const Feed feed = feedAll(options, video, session, signals, summary.seconds);
+    const SweepSelection selection = select(options, feed.path);
+    ProgressBar bar("finishing", 100);
+    const auto& record =
+        session.finish(feed.path, selection, [&](int percent) { bar.update(percent); });
+    const std::set<int> repeated = session.repeatedFrames();
+    outputs.write(kRecordName, {reinterpret_cast<const char*>(&record), sizeof record});
+    outputs.write(kPathName, sweepCsv(feed.path, selection.flags, repeated));
+
+    summary.video = options.video;
+    summary.frames = static_cast<int>(feed.path.size());
+    summary.truncated = feed.truncated;
+    summary.first = selection.first;
+    summary.last = selection.last;
+    summary.skipped = static_cast<int>(options.skip.size());
+    summary.direction = selection.direction;
+    summary.extent = pathExtent(feed.path);
+    summary.repeatedMotions = static_cast<int>(repeated.size());
+    fillFromRecord(summary, record);
+    fillPostProcessing(summary.seconds, session);
+    return summary;
+}
+
+}  // namespace
+
+Summary captureSweep(const CaptureOptions& options) {
+    const SignalGuard signals;
+    double seconds = 0;
+    Summary summary = timed(seconds, [&] {
+        media::VideoReader video(options.video);
+        refuseToReplaceTheSource(options);
+        OutputFiles outputs(options.directory);
+        const EngineTempDirectory temporary;
+        Summary done = runSession(options, video, outputs, signals);
+        signals.check();
+        outputs.commit();
+        return done;
+    });
+    summary.seconds.total = seconds;
+    summary.sweepVideo = options.directory / kVideoName;
+    summary.sweepRecord = options.directory / kRecordName;
+    summary.sweepPath = options.directory / kPathName;
+    return summary;
+}
+
+}  // namespace orbitwalk::tool

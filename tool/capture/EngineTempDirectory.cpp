@@ -1,0 +1,41 @@
+#include "capture/EngineTempDirectory.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include "common/ToolError.h"
+#include "orbitwalk/Engine.h"
+
+namespace orbitwalk::tool {
+namespace {
+
+// The engine takes 199 characters and appends names of its own to the path.
+constexpr std::size_t kLongestPath = 190;
+
+void setEngineDirectory(const std::string& path) {
+    std::memset(localTmpDir, 0, sizeof localTmpDir);
+    path.copy(localTmpDir, sizeof localTmpDir - 1);
+}
+
+}  // namespace
+
+EngineTempDirectory::EngineTempDirectory() : mFormer(localTmpDir) {
+    const char* root = std::getenv("TMPDIR");
+    mDirectory = std::string(root && *root ? root : "/tmp") + "/orbitwalk-XXXXXX";
+    if ((mDirectory + "/engine/").size() > kLongestPath)
+        throw ToolError("the path of the temporary directory is too long: " + mDirectory);
+    if (!mkdtemp(mDirectory.data()))
+        throw ToolError("cannot make the temporary directory " + mDirectory + ": " +
+                        std::strerror(errno));
+    setEngineDirectory(mDirectory + "/engine/");
+}
+
+EngineTempDirectory::~EngineTempDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(mDirectory, ignored);
+    setEngineDirectory(mFormer);
+}
+
+}  // namespace orbitwalk::tool

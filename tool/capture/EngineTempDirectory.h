@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace orbitwalk::tool {
+
+/// A fresh private directory under TMPDIR (else /tmp), with the engine's working directory inside:
+/// while it lives, localTmpDir names that one. Removed at the end with all that it holds;
+/// localTmpDir then has its former value. Must outlive every call to the engine.
+class EngineTempDirectory {
+  public:
+    /// @throws ToolError when the directory cannot be made or its path is longer than the engine
+    /// takes.
+    EngineTempDirectory();
+    ~EngineTempDirectory();
+    EngineTempDirectory(const EngineTempDirectory&) = delete;
+    EngineTempDirectory& operator=(const EngineTempDirectory&) = delete;
+
+  private:
+    std::string mDirectory;
+    std::string mFormer;
+};
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,64 @@
+#include "capture/FrameFeed.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "capture/StageTimer.h"
+#include "common/ProgressBar.h"
+
+namespace orbitwalk::tool {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// How long a signal may wait to be noticed.
+constexpr std::chrono::milliseconds kSignalPatience{100};
+
+/// Waits until a frame's moment in a recording at a constant rate has come.
+class Pace {
+  public:
+    explicit Pace(media::FrameRate rate)
+        : mInterval(std::chrono::duration<double>(static_cast<double>(rate.denominator) /
+                                                  rate.numerator)) {}
+
+    void waitFor(std::size_t frame, const SignalGuard& signals) const {
+        const auto moment = mStart + std::chrono::duration_cast<Clock::duration>(
+                                         mInterval * static_cast<double>(frame));
+        for (auto now = Clock::now(); now < moment; now = Clock::now()) {
+            std::this_thread::sleep_until(std::min(moment, now + kSignalPatience));
+            signals.check();
+        }
+    }
+
+  private:
+    Clock::time_point mStart = Clock::now();
+    std::chrono::duration<double> mInterval;
+};
+
+}  // namespace
+
+Feed feedVideo(media::VideoReader& video, Session& session, bool realtime,
+               const SignalGuard& signals, StageSeconds& seconds) {
+    ProgressBar bar("capturing", std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES));
+    const Pace pace(video.frameRate());
+    Feed feed;
+    std::vector<std::uint8_t> frame;
+    while (timed(seconds.decode, [&] { return video.read(frame); })) {
+        if (feed.path.size() == OBW_MAX_FRAMES) {
+            feed.truncated = true;
+            break;
+        }
+        signals.check();
+        if (realtime)
+            pace.waitFor(feed.path.size(), signals);
+        const PathPoint point = timed(seconds.measure, [&] { return session.measure(frame); });
+        while (!timed(seconds.waitForEncoder, [&] { return session.waitForRoom(kSignalPatience); }))
+            signals.check();
+        timed(seconds.feed, [&] { session.feed(frame, point); });
+        feed.path.push_back(point);
+        bar.update(static_cast<std::int64_t>(feed.path.size()));
+    }
+    return feed;
+}
+
+}  // namespace orbitwalk::tool

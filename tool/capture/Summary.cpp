@@ -1,0 +1,109 @@
+#include "capture/Summary.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+namespace orbitwalk::tool {
+namespace {
+
+[[gnu::format(printf, 1, 2)]] std::string line(const char* format, ...) {
+    char text[512];
+    va_list values;
+    va_start(values, format);
+    std::vsnprintf(text, sizeof text, format, values);
+    va_end(values);
+    return text;
+}
+
+const char* directionName(OBWDirection direction) {
+    return direction == OBW_DIRECTION_LEFT2RIGHT ? "left2right" : "right2left";
+}
+
+}  // namespace
+
+bool isUncorrected(const __kelOBWKDXMetaData& record) {
+    constexpr std::int32_t identity[9] = {1000000, 0, 0, 0, 1000000, 0, 0, 0, 1000000};
+    const auto& crop = record.cropParam;
+    return crop[0] == 0 && crop[1] == 0 && crop[2] == record.width - 1 &&
+           crop[3] == record.height - 1 &&
+           std::all_of(record.renderMat, record.renderMat + record.numFrames,
+                       [&](const auto& matrix) { return std::ranges::equal(matrix, identity); });
+}
+
+std::optional<std::string> repeatedMotionWarning(const Summary& summary) {
+    if (summary.repeatedMotions * 10 <= summary.frames)
+        return std::nullopt;
+    return line(
+        "%d of %d frames repeat the last motion because theirs could not be measured: too few "
+        "corners "
+        "to follow (the picture is small, soft or dark, or moves too fast)",
+        summary.repeatedMotions, summary.frames);
+}
+
+std::optional<std::string> truncationNote(const Summary& summary) {
+    if (!summary.truncated)
+        return std::nullopt;
+    return line("stopped taking frames at %d, the most that a sweep can hold; the video goes on",
+                summary.frames);
+}
+
+std::string toText(const Summary& summary) {
+    const StageSeconds& s = summary.seconds;
+    return line("frames            %d of %dx%d, %d to %d rendered, %d skipped%s\n", summary.frames,
+                summary.width, summary.height, summary.first, summary.last, summary.skipped,
+                summary.truncated ? " (the video has more)" : "") +
+           line("direction         %s\n", directionName(summary.direction)) +
+           line("path extent       %.1f x %.1f px\n", summary.extent.x, summary.extent.y) +
+           line("crop kept         %.1f %% of the width, %.1f %% of the height\n",
+                100 * summary.cropWidthShare, 100 * summary.cropHeightShare) +
+           line("correction        %s\n", summary.uncorrected
+                                              ? "none: no smoothing kept enough of the picture"
+                                              : "smoothed") +
+           line("repeated motions  %d\n", summary.repeatedMotions) +
+           line(
+               "seconds           decode %.2f, measure %.2f, feed %.2f, wait for encoder %.2f,\n"
+               "                  finish video %.2f, smooth %.2f, render matrices %.2f, clean up "
+               "%.2f, total %.2f\n",
+               s.decode, s.measure, s.feed, s.waitForEncoder, s.finishVideo, s.smooth,
+               s.renderMatrices, s.cleanUp, s.total) +
+           "written           " + summary.sweepVideo.string() + "\n                  " +
+           summary.sweepRecord.string() + "\n                  " + summary.sweepPath.string() +
+           "\n";
+}
+
+nlohmann::ordered_json toJson(const Summary& summary) {
+    const StageSeconds& s = summary.seconds;
+    return {{"video", summary.video.string()},
+            {"width", summary.width},
+            {"height", summary.height},
+            {"frames", summary.frames},
+            {"truncated", summary.truncated},
+            {"first", summary.first},
+            {"last", summary.last},
+            {"skipped", summary.skipped},
+            {"direction", directionName(summary.direction)},
+            {"pathExtent", {{"x", summary.extent.x}, {"y", summary.extent.y}}},
+            {"cropKept", {{"width", summary.cropWidthShare}, {"height", summary.cropHeightShare}}},
+            {"uncorrected", summary.uncorrected},
+            {"repeatedMotions", summary.repeatedMotions},
+            {"repeatedMotionWarning", repeatedMotionWarning(summary).has_value()},
+            {"seconds",
+             {{"decode", s.decode},
+              {"measure", s.measure},
+              {"feed", s.feed},
+              {"waitForEncoder", s.waitForEncoder},
+              {"finishVideo", s.finishVideo},
+              {"smooth", s.smooth},
+              {"renderMatrices", s.renderMatrices},
+              {"cleanUp", s.cleanUp},
+              {"total", s.total}}},
+            {"outputs",
+             {{"video", summary.sweepVideo.string()},
+              {"record", summary.sweepRecord.string()},
+              {"path", summary.sweepPath.string()}}}};
+}
+
+}  // namespace orbitwalk::tool

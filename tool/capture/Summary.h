@@ -1,0 +1,61 @@
+#pragma once
+
+#include <filesystem>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+
+#include "capture/SweepPath.h"
+
+namespace orbitwalk::tool {
+
+/// Wall-clock seconds that a capture spent in each stage.
+struct StageSeconds {
+    double decode = 0;
+    double measure = 0;
+    double feed = 0;
+    double waitForEncoder = 0;  ///< Before a frame was fed: the encoder is behind.
+    double finishVideo = 0;     ///< From stop until the MP4 was closed.
+    double smooth = 0;
+    double renderMatrices = 0;
+    double cleanUp = 0;
+    double total = 0;
+};
+
+/// What a capture came to.
+struct Summary {
+    std::filesystem::path video;
+    int width = 0;
+    int height = 0;
+    int frames = 0;
+    bool truncated = false;  ///< The video has more frames than a sweep can hold.
+    int first = 0;
+    int last = 0;
+    int skipped = 0;
+    OBWDirection direction = OBW_DIRECTION_LEFT2RIGHT;
+    PathExtent extent;
+    double cropWidthShare = 0;  ///< Of the frame's width, what every rendered frame shows.
+    double cropHeightShare = 0;
+    bool uncorrected = false;  ///< The engine fell back to no correction.
+    int repeatedMotions = 0;
+    StageSeconds seconds;
+    std::filesystem::path sweepVideo;
+    std::filesystem::path sweepRecord;
+    std::filesystem::path sweepPath;
+};
+
+/// Whether the record is that of the engine's fallback: no smoothing kept enough of the picture, so
+/// nothing is corrected. It shows as a crop of one pixel less than the frame with identity
+/// matrices.
+bool isUncorrected(const __kelOBWKDXMetaData& record);
+
+/// A line that warns of too many repeated motions, more than a tenth of the frames.
+std::optional<std::string> repeatedMotionWarning(const Summary& summary);
+
+/// A line that says that frames were left out, when some were.
+std::optional<std::string> truncationNote(const Summary& summary);
+
+std::string toText(const Summary& summary);
+nlohmann::ordered_json toJson(const Summary& summary);
+
+}  // namespace orbitwalk::tool

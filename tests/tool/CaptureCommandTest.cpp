@@ -1,0 +1,213 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstring>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "media/VideoReader.h"
+#include "orbitwalk/MetaData.h"
+#include "tool/PanVideo.h"
+#include "tool/RunTool.h"
+#include "tool/TestDirectory.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using tool_test::contentOf;
+using tool_test::namesIn;
+using tool_test::RunOptions;
+using tool_test::runTool;
+using Names = std::vector<std::string>;
+
+const Names kOutputs{"sweep.csv", "sweep.mp4", "sweep.obw"};
+
+/// A directory for the outputs and one that the tool has for its temporary files.
+class CaptureCommand : public testing::Test {
+  protected:
+    CaptureCommand() { std::filesystem::create_directory(mDir / "tmp"); }
+    ~CaptureCommand() override { EXPECT_EQ(namesIn(mDir / "tmp"), Names{}); }
+
+    tool_test::ToolRun capture(Names arguments, RunOptions options = {}) {
+        options.environment["TMPDIR"] = mDir / "tmp";
+        arguments.insert(arguments.begin(), "capture");
+        if (std::ranges::find(arguments, "-o") == arguments.end())
+            arguments.insert(arguments.end(), {"-o", mOut});
+        return runTool(arguments, options);
+    }
+
+    std::string pan(const tool_test::Pan& pan) {
+        writePanVideo(mDir / "pan.mp4", pan);
+        return mDir / "pan.mp4";
+    }
+
+    std::unique_ptr<__kelOBWKDXMetaData> record() {
+        auto record = std::make_unique<__kelOBWKDXMetaData>();
+        const std::string bytes = contentOf(mDir / "out/sweep.obw");
+        EXPECT_EQ(bytes.size(), sizeof *record);
+        std::memcpy(record.get(), bytes.data(), std::min(bytes.size(), sizeof *record));
+        return record;
+    }
+
+    static int framesIn(const std::filesystem::path& file) {
+        orbitwalk::media::VideoReader reader(file);
+        std::vector<std::uint8_t> frame;
+        int frames = 0;
+        while (reader.read(frame))
+            ++frames;
+        return frames;
+    }
+
+    const tool_test::TestDirectory mDir;
+    const std::string mOut = mDir / "out";
+};
+
+/// The one line that a failure may print.
+MATCHER_P(IsOneLineWith, text, "") {
+    return arg.starts_with("orbitwalk: ") && arg.find('\n') == arg.size() - 1 &&
+           arg.find(text) != std::string::npos;
+}
+
+TEST_F(CaptureCommand, TurnsAVideoIntoMp4RecordAndPath) {
+    const auto run = capture({pan({.frames = 30, .stepX = -10}), "--json"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(namesIn(mDir / "out"), kOutputs);
+    EXPECT_EQ(framesIn(mDir / "out/sweep.mp4"), 30);
+    const auto rows = contentOf(mDir / "out/sweep.csv");
+    EXPECT_TRUE(rows.starts_with("frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n")) << rows;
+    EXPECT_EQ(std::ranges::count(rows, '\n'), 31);
+
+    const json summary = json::parse(run.out);
+    EXPECT_EQ(summary.at("frames"), 30);
+    EXPECT_EQ(summary.at("width"), 960);
+    EXPECT_EQ(summary.at("height"), 720);
+    EXPECT_EQ(summary.at("truncated"), false);
+    EXPECT_EQ(summary.at("direction"), "left2right");
+    EXPECT_NEAR(summary.at("pathExtent").at("x").get<double>(), 290, 20) << "px";
+    EXPECT_EQ(summary.at("cropKept").at("width"), record()->cropParam[2] / 960.0);
+    EXPECT_EQ(summary.at("cropKept").at("height"), record()->cropParam[3] / 720.0);
+    EXPECT_TRUE(summary.at("uncorrected").is_boolean());
+    EXPECT_LE(summary.at("repeatedMotions"), 3);
+    EXPECT_EQ(summary.at("repeatedMotionWarning"), false);
+    EXPECT_EQ(summary.at("outputs").at("record"), mOut + "/sweep.obw");
+    double stages = 0;
+    for (const auto& [stage, seconds] : summary.at("seconds").items())
+        stages += stage == "total" ? 0 : seconds.get<double>();
+    EXPECT_GT(summary.at("seconds").at("total"), stages);
+}
+
+TEST_F(CaptureCommand, OptionsReachTheRecord) {
+    const auto run = capture({pan({.width = 320, .height = 240, .frames = 12}), "--first", "2",
+                              "--last", "9", "--skip", "4,6-7", "--orientation", "270",
+                              "--front-flip", "--direction", "left2right"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("2 to 9 rendered, 3 skipped"));
+    const auto record = this->record();
+    EXPECT_EQ(record->startIndex, 2);
+    EXPECT_EQ(record->endIndex, 9);
+    EXPECT_EQ(record->orientation, 90);
+    EXPECT_EQ(record->frontCameraFlipped, 1);
+    EXPECT_EQ(record->captureDirection, 1);
+    EXPECT_THAT(std::vector(record->renderFlag, record->renderFlag + 12),
+                testing::ElementsAre(1, 1, 1, 1, 0, 1, 0, 0, 1, 1, 1, 1));
+    EXPECT_THAT(contentOf(mDir / "out/sweep.csv"), testing::ContainsRegex("\n6,[^\n]*,0,[01]\n"));
+}
+
+TEST_F(CaptureCommand, TellsTheDirectionFromTheMotion) {
+    ASSERT_EQ(capture({pan({.stepX = 10})}).exitCode, 0);
+    EXPECT_EQ(record()->captureDirection, 2);
+    ASSERT_EQ(capture({pan({.stepY = -10}), "--orientation", "90"}).exitCode, 0);
+    EXPECT_EQ(record()->captureDirection, 1);
+    EXPECT_EQ(namesIn(mDir / "out"), kOutputs);
+}
+
+TEST_F(CaptureCommand, StopsTakingFramesAtAThousandAndWarnsOfAPictureTooSmallToMeasure) {
+    const auto run = capture({pan({.width = 64, .height = 48, .frames = 1002}), "--json"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("note: stopped taking frames at 1000"));
+    EXPECT_THAT(run.err, HasSubstr("warning: 999 of 1000 frames repeat"));
+    const json summary = json::parse(run.out);
+    EXPECT_EQ(summary.at("truncated"), true);
+    EXPECT_EQ(summary.at("repeatedMotions"), 999);
+    EXPECT_EQ(summary.at("repeatedMotionWarning"), true);
+    EXPECT_EQ(record()->numFrames, 1000);
+    EXPECT_EQ(framesIn(mDir / "out/sweep.mp4"), 1000);
+}
+
+TEST_F(CaptureCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
+    const std::string video = pan({.width = 64, .height = 48, .frames = 3});
+    tool_test::writeFile(mDir / "text.mp4", "not a video");
+    tool_test::writeFile(mDir / "empty.mp4", "");
+    const struct {
+        Names arguments;
+        std::string says;
+    } cases[] = {
+        {{mDir / "missing.mp4"}, "missing.mp4"},
+        {{mDir / "text.mp4"}, "text.mp4"},
+        {{mDir / "empty.mp4"}, "empty.mp4"},
+        {{mDir / ""}, ""},
+        {{video, "-o", mDir / "text.mp4/out"}, "text.mp4"},
+        {{video, "--first", "3"}, "--first 3: the sweep has the frames 0 to 2"},
+        {{video, "--last", "-1"}, "--last -1"},
+        {{video, "--first", "2", "--last", "1"}, "--first 2 is after"},
+        {{video, "--skip", "3"}, "--skip 3"},
+        {{video, "--skip", "a"}, "no list of frames"},
+    };
+    for (const auto& c : cases) {
+        const auto run = capture(c.arguments);
+        EXPECT_EQ(run.exitCode, 1) << c.says;
+        EXPECT_THAT(run.err, IsOneLineWith(c.says));
+        EXPECT_EQ(namesIn(mDir / ""), (Names{"empty.mp4", "pan.mp4", "text.mp4", "tmp"}));
+    }
+}
+
+TEST_F(CaptureCommand, RefusesToReplaceItsSource) {
+    const std::string video = pan({.width = 64, .height = 48, .frames = 3});
+    std::filesystem::create_directory(mDir / "out");
+    std::filesystem::rename(video, mDir / "out/sweep.mp4");
+    const std::string before = contentOf(mDir / "out/sweep.mp4");
+    EXPECT_THAT(capture({mDir / "out/sweep.mp4"}).err, IsOneLineWith("would be replaced"));
+    EXPECT_EQ(namesIn(mDir / "out"), Names{"sweep.mp4"});
+    EXPECT_EQ(contentOf(mDir / "out/sweep.mp4"), before);
+}
+
+/// A short video leaves the encoder only when it is closed, which the engine's progress does not
+/// show.
+TEST_F(CaptureCommand, AFullDiskLeavesTheFormerCaptureAndNothingElse) {
+    RunOptions full;
+    full.fileSizeLimit = 20000;
+    for (const int frames : {8, 40}) {
+        SCOPED_TRACE(frames);
+        const std::string video = pan({.width = 320, .height = 240, .frames = frames});
+        const auto run = capture({video}, full);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_THAT(run.err, IsOneLineWith("File too large"));
+        EXPECT_EQ(namesIn(mDir / ""), (Names{"pan.mp4", "tmp"}));
+
+        ASSERT_EQ(capture({video}).exitCode, 0);
+        const std::string before = contentOf(mDir / "out/sweep.mp4");
+        EXPECT_EQ(capture({video}, full).exitCode, 1);
+        EXPECT_EQ(namesIn(mDir / "out"), kOutputs);
+        EXPECT_EQ(contentOf(mDir / "out/sweep.mp4"), before);
+        std::filesystem::remove_all(mDir / "out");
+    }
+}
+
+TEST_F(CaptureCommand, ASignalLeavesNothing) {
+    const std::string video = pan({.width = 320, .height = 240, .frames = 60});
+    for (const int signal : {SIGINT, SIGTERM}) {
+        RunOptions options;
+        options.signalAfter = "CalculatePrevToCurTransform : Frame[5]";
+        options.signal = signal;
+        const auto run = capture({video, "--realtime", "--log-level", "info"}, options);
+        EXPECT_EQ(run.exitCode, 128 + signal);
+        EXPECT_THAT(run.err, HasSubstr("orbitwalk: interrupted"));
+        EXPECT_EQ(namesIn(mDir / ""), (Names{"pan.mp4", "tmp"}));
+    }
+}
+
+}  // namespace

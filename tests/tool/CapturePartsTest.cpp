@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <memory>
+
+#include "capture/EngineTempDirectory.h"
+#include "capture/FrameList.h"
+#include "capture/OutputFiles.h"
+#include "capture/RepeatedMotion.h"
+#include "capture/Summary.h"
+#include "capture/SweepCsv.h"
+#include "capture/SweepPath.h"
+#include "common/ToolError.h"
+#include "tool/TestDirectory.h"
+
+namespace {
+
+using namespace orbitwalk::tool;
+using Names = std::vector<std::string>;
+
+TEST(FrameList, ReadsNumbersAndRanges) {
+    EXPECT_EQ(parseFrameList("3"), (std::set{3}));
+    EXPECT_EQ(parseFrameList("10-12,3,11,999"), (std::set{3, 10, 11, 12, 999}));
+    for (const char* bad : {"", "x", "3,", ",3", "-3", "+3", "5-", "7-5", "1 ,2", "3x", "1000",
+                            "0-1000", "99999999999"})
+        EXPECT_THROW(parseFrameList(bad), ToolError) << bad;
+}
+
+TEST(SweepDirection, IsAgainstThePictureMotionOfTheHeldDevice) {
+    constexpr PathPoint left{-100, 3, 0}, right{100, -3, 0}, up{3, -100, 0}, down{-3, 100, 0};
+    const struct {
+        int orientation;
+        PathPoint leftToRight;
+        PathPoint rightToLeft;
+    } cases[] = {
+        {0, left, right}, {90, up, down}, {180, right, left}, {270, down, up}, {360, left, right}};
+    constexpr PathPoint start{};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.orientation);
+        EXPECT_EQ(sweepDirection(start, c.leftToRight, c.orientation, false), 1);
+        EXPECT_EQ(sweepDirection(start, c.rightToLeft, c.orientation, false), 2);
+        EXPECT_EQ(sweepDirection(start, c.leftToRight, c.orientation, true), 2);
+        EXPECT_EQ(sweepDirection(start, c.rightToLeft, c.orientation, true), 1);
+    }
+    EXPECT_EQ(sweepDirection(left, left, 0, false), 1);
+    EXPECT_EQ(sweepDirection(right, {50, 0, 0}, 0, false), 1) << "the motion counts, not the place";
+}
+
+TEST(PathExtent, SpansTheFarthestPoints) {
+    const PathPoint path[] = {{0, 0, 0}, {-30, 4, 0}, {10, -6, 0}, {5, 1, 0}};
+    EXPECT_EQ(pathExtent(path).x, 40);
+    EXPECT_EQ(pathExtent(path).y, 10);
+    EXPECT_EQ(pathExtent({}).x, 0);
+}
+
+TEST(RepeatedMotion, CountsFramesThatCouldNotBeMeasured) {
+    RepeatedMotion repeated;
+    for (const char* line : {
+             "CalculatePrevToCurTransform : Frame[1] : Transform[ -4.250000, 0.500000, 0.001000 ] ",
+             "CalculatePrevToCurTransform  prevFeaturePoints insufficeint frame number 2  12 ",
+             "CalculatePrevToCurTransform : Frame[2] : Transform[ -4.250000, 0.500000, 0.001000 ] ",
+             "CalculatePrevToCurTransform : Frame[3] : Transform[ -4.250000, 0.500000, 0.001000 ] ",
+             "CalculatePrevToCurTransform : Frame[4] : Transform[ -4.250000, 0.500000, 0.001001 ] ",
+             "CalculatePrevToCurTransform : Frame[5] : Transform[ 0.000000, 0.000000, 0.000000 ] ",
+             "CalculatePrevToCurTransform : Frame[6] : Transform[ -0.000000, 0.000000, 0.000000 ] ",
+             "CalculatePrevToCurTransform insufficeint forward tracking  frame number 7 3",
+             "CalculatePrevToCurTransform : Frame[7] : Transform[ 0.000000, 0.000000, 0.000000 ] ",
+         })
+        repeated.takeLine(line);
+    // 2 and 7 were said to lack points, 3 had an empty estimate, 6 stands still.
+    EXPECT_EQ(repeated.frames(), (std::set{2, 3, 7}));
+}
+
+TEST(SweepCsv, KeepsEveryBitOfAFloat) {
+    const PathPoint path[] = {{0, 0, 0}, {-0.1f, 16777216.0f, 1e-7f}};
+    const std::int32_t flags[] = {1, 0};
+    EXPECT_EQ(sweepCsv(path, flags, {1}),
+              "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n1,-0.1,16777216,1e-07,0,1\n");
+}
+
+TEST(OutputFiles, AppearTogetherAndReplaceFormerOnes) {
+    const tool_test::TestDirectory dir;
+    tool_test::writeFile(dir / "a", "former");
+    {
+        OutputFiles files(dir / "");
+        files.write("a", std::string("new"));
+        files.write("b", std::string("second"));
+        EXPECT_EQ(tool_test::contentOf(dir / "a"), "former");
+        files.commit();
+    }
+    EXPECT_EQ(tool_test::namesIn(dir / ""), (Names{"a", "b"}));
+    EXPECT_EQ(tool_test::contentOf(dir / "a") + tool_test::contentOf(dir / "b"), "newsecond");
+}
+
+TEST(OutputFiles, LeaveNothingBehindWithoutACommit) {
+    const tool_test::TestDirectory dir;
+    {
+        OutputFiles files(dir / "made/deep");
+        files.write("a", std::string("new"));
+        EXPECT_EQ(tool_test::namesIn(dir / "made/deep").size(), 1u);
+    }
+    EXPECT_EQ(tool_test::namesIn(dir / ""), Names{});
+}
+
+TEST(OutputFiles, PutFormerFilesBackWhenOneCannotBePlaced) {
+    const tool_test::TestDirectory dir;
+    tool_test::writeFile(dir / "a", "former");
+    std::filesystem::create_directory(dir / "b");
+    {
+        OutputFiles files(dir / "");
+        files.write("a", std::string("new"));
+        files.write("b", std::string("second"));
+        EXPECT_THROW(files.commit(), ToolError);
+    }
+    EXPECT_EQ(tool_test::namesIn(dir / ""), (Names{"a", "b"}));
+    EXPECT_EQ(tool_test::contentOf(dir / "a"), "former");
+}
+
+TEST(EngineTempDirectory, IsPrivateAndGoneAtTheEnd) {
+    const tool_test::TestDirectory dir;
+    const std::string formerRoot = std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "";
+    const std::string formerEngine = localTmpDir;
+    setenv("TMPDIR", (dir / "").c_str(), 1);
+    {
+        const EngineTempDirectory temporary;
+        EXPECT_TRUE(std::string(localTmpDir).starts_with((dir / "").string()));
+        EXPECT_TRUE(std::string(localTmpDir).ends_with("/"));
+        std::filesystem::create_directory(localTmpDir);
+        tool_test::writeFile(std::string(localTmpDir) + "leftover", "x");
+    }
+    EXPECT_EQ(tool_test::namesIn(dir / ""), Names{});
+    EXPECT_EQ(localTmpDir, formerEngine);
+    const std::filesystem::path tooLong = dir / std::string(180, 'x');
+    std::filesystem::create_directory(tooLong);
+    setenv("TMPDIR", tooLong.c_str(), 1);
+    EXPECT_THROW(EngineTempDirectory{}, ToolError);
+    EXPECT_EQ(localTmpDir, formerEngine);
+    setenv("TMPDIR", formerRoot.c_str(), 1);
+}
+
+TEST(Summary, WarnsWhenMoreThanATenthOfTheMotionsAreRepeated) {
+    Summary summary;
+    summary.frames = 50;
+    summary.repeatedMotions = 5;
+    EXPECT_FALSE(repeatedMotionWarning(summary));
+    summary.repeatedMotions = 6;
+    ASSERT_TRUE(repeatedMotionWarning(summary));
+    EXPECT_NE(repeatedMotionWarning(summary)->find("6 of 50 frames"), std::string::npos);
+}
+
+TEST(Summary, TellsTheFallbackFromASweepThatStoodStill) {
+    auto record = std::make_unique<__kelOBWKDXMetaData>();
+    record->width = 640;
+    record->height = 480;
+    record->numFrames = 2;
+    for (auto& matrix : record->renderMat)
+        matrix[0] = matrix[4] = matrix[8] = 1000000;
+    std::ranges::copy(std::array{0, 0, 640, 480}, record->cropParam);
+    EXPECT_FALSE(isUncorrected(*record));
+    std::ranges::copy(std::array{0, 0, 639, 479}, record->cropParam);
+    EXPECT_TRUE(isUncorrected(*record));
+    record->renderMat[1][6] = 1;
+    EXPECT_FALSE(isUncorrected(*record));
+}
+
+}  // namespace

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tool_test {
+
+struct RunOptions {
+    std::map<std::string, std::string> environment;  ///< Added to the test's own.
+    std::optional<long> fileSizeLimit;               ///< Bytes that the tool may write to a file.
+    std::string signalAfter;  ///< Text on stderr upon which a signal is sent.
+    int signal = 0;
+};
+
+struct ToolRun {
+    int exitCode = -1;  ///< -1 when a signal ended the tool.
+    std::string out;
+    std::string err;
+};
+
+/// Runs the built `orbitwalk` with the arguments to its end, in the test's working directory.
+ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& options = {});
+
+}  // namespace tool_test

@@ -1,27 +1,30 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <fstream>
-#include <regex>
 #include <sstream>
+#include <string>
 
 #include "orbitwalk/RecordReader.h"
 
 namespace orbitwalk {
 namespace {
 
+bool isHexByte(const std::string& word) {
+    return word.size() == 2 && std::isxdigit(word[0]) && std::isxdigit(word[1]);
+}
+
 /// The record that docs/record.md writes down byte by byte: lines "offset  hex bytes  words".
 std::vector<std::byte> documentedRecord() {
     std::vector<std::byte> bytes(OBW_METADATA_SIZE);
     std::ifstream page(ORBITWALK_DOCS "/record.md");
-    const std::regex row(R"((\d+) +((?:[0-9a-f]{2} +)*[0-9a-f]{2})(?: .*)?)");
-    std::string line;
-    for (std::smatch parts; std::getline(page, line);) {
-        if (!std::regex_match(line, parts, row))
+    for (std::string line; std::getline(page, line);) {
+        std::istringstream words(line);
+        std::size_t offset = 0;
+        if (!(words >> offset))
             continue;
-        std::istringstream hex(parts[2]);
-        auto at = bytes.begin() + std::stoi(parts[1]);
-        for (unsigned value; hex >> std::hex >> value; ++at)
-            *at = static_cast<std::byte>(value);
+        for (std::string word; words >> word && isHexByte(word); ++offset)
+            bytes.at(offset) = static_cast<std::byte>(std::stoi(word, nullptr, 16));
     }
     return bytes;
 }

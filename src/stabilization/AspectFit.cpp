@@ -1,7 +1,6 @@
 #include "stabilization/AspectFit.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "common/FixedPoint.h"
 
@@ -12,7 +11,7 @@ namespace {
 /// Takes the excess off both ends of [low, high], which lies in a frame side of the given length.
 void trim(int& low, int& high, int length, float excess) {
     const auto before = static_cast<float>(std::max(low, 1));
-    const auto after = static_cast<float>(std::max<std::int64_t>(std::int64_t{length} - high, 1));
+    const auto after = static_cast<float>(std::max(length - high, 1));
     const float weight = before / (before + after);
     low = truncateToInt32(static_cast<float>(low) + weight * excess);
     high = truncateToInt32(high - (1.0 - weight) * excess);
@@ -22,8 +21,8 @@ void trim(int& low, int& high, int length, float excess) {
 
 CropBounds fitToAspect(const CropBounds& bounds, FrameSize size) {
     CropBounds fitted = bounds;
-    const auto width = static_cast<double>(std::int64_t{bounds.maxX} - bounds.minX);
-    const auto height = static_cast<double>(std::int64_t{bounds.maxY} - bounds.minY);
+    const auto width = static_cast<double>(bounds.maxX - bounds.minX);
+    const auto height = static_cast<double>(bounds.maxY - bounds.minY);
     const double keptX = width / size.width;
     const double keptY = height / size.height;
     const float aspect = static_cast<float>(size.width) / static_cast<float>(size.height);

@@ -9,7 +9,8 @@ namespace stabilization {
 ///
 /// Ratios are compared in double precision, the excess and the nearer edge computed in single, the
 /// farther edge in double, edges truncated: bounds are part of the record's format.
-/// @param size  positive.
+/// @param bounds  within 0, width, 0, height, as a run leaves them that keeps enough picture.
+/// @param size    positive.
 CropBounds fitToAspect(const CropBounds& bounds, FrameSize size);
 
 }  // namespace stabilization

@@ -13,10 +13,17 @@ float difference(int from, int subtracted) {
     return static_cast<float>(std::int64_t{from} - subtracted);
 }
 
+/// A value >= 0 is limited to positiveLimit, the magnitude of a negative one to negativeLimit.
+float ABS_POS_NEG(float value, float positiveLimit, float negativeLimit) {
+    if (value >= 0)
+        return value > positiveLimit ? positiveLimit : value;
+    return -value > negativeLimit ? -negativeLimit : value;
+}
+
 /// Limits to the low margin on the positive side and to the high margin on the negative one.
 BorderValues limited(BorderValues values, int min, int max, int length) {
     for (float& value : values)
-        value = limitBySign(value, static_cast<float>(min), difference(length, max));
+        value = ABS_POS_NEG(value, static_cast<float>(min), difference(length, max));
     return values;
 }
 
@@ -63,12 +70,6 @@ float Remap::map(float value, float anchor) const {
     if (oldEnd == oldStart)
         return anchor;
     return newStart + (newEnd - newStart) * (value - oldStart) / (oldEnd - oldStart);
-}
-
-float limitBySign(float value, float positiveLimit, float negativeLimit) {
-    if (value >= 0)
-        return value > positiveLimit ? positiveLimit : value;
-    return -value > negativeLimit ? -negativeLimit : value;
 }
 
 std::optional<float> borderMargin(const BorderGeometry& geometry, bool atStart) {

@@ -53,9 +53,6 @@ struct BorderFit {
     BorderValues y{};  ///< that is neither portrait nor landscape.
 };
 
-/// A value >= 0 is limited to positiveLimit, the magnitude of a negative one to negativeLimit.
-float limitBySign(float value, float positiveLimit, float negativeLimit);
-
 /// Margin that the frames before (atStart) or after the sweep are fitted to: the low margin of the
 /// axis along the sweep (minX, minY) or minus its high one (maxX - width, maxY - height). None for
 /// a direction other than 1 and 2, a flip other than 0 and 1, or another orientation; then the

@@ -134,7 +134,7 @@ void cKalmanFilterStabilization::__WriteRenderMatrices(__kelOBWKDXMetaData& meta
         if (!isRendered(metaData, i)) {
             logInfo("getStabilizationInfo : Frame[%d] is Invalid", i);
             if (identityForInvalid) {
-                store(renderMatrix(rigidMatrix({})), metaData.renderMat[i]);
+                store(kIdentityMatrix, metaData.renderMat[i]);
                 continue;
             }
         }

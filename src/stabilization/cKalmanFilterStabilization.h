@@ -69,25 +69,27 @@ class cKalmanFilterStabilization final : public iVideoStabilization {
     bool __init = false;
     int __width = 0;
     int __height = 0;
+    // Crop rectangle of the smoothed sweep, pixels of the frame.
     int __minX = 0;
     int __maxX = 0;
     int __minY = 0;
     int __maxY = 0;
-    int __crossOverPoint = 0;
-    int __smoothingBlocked = 0;
-    std::vector<Trajectory> __prevToCurrTransform;
-    std::vector<Trajectory> __trajectory;
-    std::vector<Trajectory> __smoothTrajectory;
-    std::vector<Trajectory> __prevToCurrNewTransform;
+    int __crossOverPoint = 0;    ///< See CorrectedTransforms.
+    int __smoothingBlocked = 0;  ///< Non-zero: smoothing refuses to run. Nothing sets it today.
+    std::vector<Trajectory> __prevToCurrTransform;     ///< As received.
+    std::vector<Trajectory> __trajectory;              ///< Their running sum.
+    std::vector<Trajectory> __smoothTrajectory;        ///< The smoothed path.
+    std::vector<Trajectory> __prevToCurrNewTransform;  ///< Corrected transforms.
     std::vector<Trajectory> __gaussianTrajectory;
     double __cropRatio = stabilization::kCropRatio;
     int __fixedX = stabilization::kNotPinned;
     int __fixedY = stabilization::kNotPinned;
-    std::vector<Trajectory> __actualTransform;
-    std::vector<bool> __validFrame;
+    // Kept from the intake on, across a second Initialize; no stage reads them.
+    std::vector<Trajectory> __actualTransform;  ///< Change of the running sum at each frame.
+    std::vector<bool> __validFrame;             ///< Initialize's frame and every received one.
     Trajectory __cumulative;
     Trajectory __prevCumulative;
-    int __frameCount = 0;
+    int __frameCount = 0;  ///< Received positions + 1.
     Trajectory __lastInput;
     bool __firstInput = false;
 };

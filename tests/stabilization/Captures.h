@@ -5,38 +5,26 @@
 
 #include "Sweeps.h"
 #include "orbitwalk/MetaData.h"
-#include "stabilization/iVideoStabilization.h"
+#include "stabilization/CameraPath.h"
+#include "stabilization/cKalmanFilterStabilization.h"
 
 /// Stabilisers that were led through a capture, and records for them to fill.
 namespace sweeps {
 
-struct Destroyer {
-    void operator()(iVideoStabilization* stabilizer) const {
-        iVideoStabilization::Destroy(stabilizer);
-    }
-};
-using Stabilizer = std::unique_ptr<iVideoStabilization, Destroyer>;
-
-inline Stabilizer initialized(int width, int height) {
-    Stabilizer stabilizer(iVideoStabilization::Create());
-    stabilizer->Initialize(width, height);
+/// Has the cumulative positions of the transforms.
+inline cKalmanFilterStabilization fed(const std::vector<Trajectory>& transforms, int width,
+                                      int height) {
+    cKalmanFilterStabilization stabilizer;
+    stabilizer.Initialize(width, height);
+    for (const Trajectory& position : stabilization::rebuildPath(transforms))
+        stabilizer.sendTransformationMatrix(position.x, position.y, position.a);
     return stabilizer;
 }
 
-/// Sends the cumulative positions of the transforms.
-inline void send(iVideoStabilization& stabilizer, const std::vector<Trajectory>& transforms) {
-    Trajectory position;
-    for (const Trajectory& transform : transforms) {
-        position += transform;
-        stabilizer.sendTransformationMatrix(position.x, position.y, position.a);
-    }
-}
-
-inline Stabilizer smoothed(const std::vector<Trajectory>& transforms, int width, int height,
-                           bool feedback = true) {
-    Stabilizer stabilizer = initialized(width, height);
-    send(*stabilizer, transforms);
-    stabilizer->doStabilization(0, 1, 0, 0, 0, 0, feedback);
+inline cKalmanFilterStabilization smoothed(const std::vector<Trajectory>& transforms, int width,
+                                           int height, bool feedback = true) {
+    cKalmanFilterStabilization stabilizer = fed(transforms, width, height);
+    stabilizer.doStabilization(0, 1, 0, 0, 0, 0, feedback);
     return stabilizer;
 }
 
@@ -45,8 +33,7 @@ inline std::unique_ptr<__kelOBWKDXMetaData> record(int width, int height, int fr
     auto record = std::make_unique<__kelOBWKDXMetaData>();
     record->width = width;
     record->height = height;
-    record->numFrames = frames;
-    record->endIndex = frames;
+    record->numFrames = record->endIndex = frames;
     record->captureDirection = 1;
     for (int& flag : record->renderFlag)
         flag = 1;

@@ -64,12 +64,6 @@ TEST(AspectFit, TrimsTheLongerSideInProportionToItsMargins) {
         EXPECT_EQ(fitToAspect(c.bounds, size), c.expected) << c.bounds.minX;
 }
 
-TEST(AspectFit, SaturatesOnBoundsThatNoFrameHas) {
-    const auto fitted = fitToAspect({kLowest, kHighest, kHighest, kLowest}, {1, kHighest});
-    EXPECT_EQ(fitted.minY, kHighest);
-    EXPECT_EQ(fitted.maxY, kLowest);
-}
-
 TEST(CropSmoothing, PinsThePathWithinTheMargins) {
     // Side 1080, d = max - min; p = max - (1080 - marginHigh), q = marginLow + min.
     const struct {

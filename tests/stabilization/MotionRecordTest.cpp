@@ -1,19 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include "Captures.h"
-#include "stabilization/BorderFrames.h"
-#include "stabilization/CameraPath.h"
-#include "stabilization/FeedbackSearch.h"
-#include "stabilization/GaussianSmoothing.h"
-#include "stabilization/RenderMatrix.h"
 #include "support/FakePlatform.h"
 
-using namespace stabilization;
+using testing::Each;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
@@ -22,30 +17,17 @@ namespace {
 constexpr int kWidth = 640;
 constexpr int kHeight = 360;
 constexpr int kInvalid = -7;
+constexpr int kIdentity[9] = {1000000, 0, 0, 0, 1000000, 0, 0, 0, 1000000};
 
-/// Render matrix of every frame of the sweep, from the computations alone.
-std::vector<FixedMatrix> matricesOf(const std::vector<Trajectory>& transforms) {
-    const auto path = rebuildPath(transforms);
-    const auto gaussian = gaussianSmooth(path, kGaussianRadius);
-    const SmoothingInput input{transforms, path, gaussian, {kWidth, kHeight}};
-    const auto smooth = smoothWithFeedback(input, kFeedbackSteps, true);
-    EXPECT_TRUE(smooth.step.has_value());
-    std::vector<FixedMatrix> matrices;
-    for (const Trajectory& t : correctTransforms(transforms, path, smooth.smoothPath).transforms)
-        matrices.push_back(renderMatrix(rigidMatrix(t)));
-    return matrices;
-}
-
-/// Which of the sweep's matrices each frame of the record has; kInvalid for the identity.
-std::vector<int> sources(const __kelOBWKDXMetaData& record,
-                         const std::vector<FixedMatrix>& matrices) {
+/// Which matrix of the other record each frame has; kInvalid for the identity.
+std::vector<int> sources(const __kelOBWKDXMetaData& record, const __kelOBWKDXMetaData& other) {
     std::vector<int> found;
     for (int i = 0; i < record.numFrames; ++i) {
-        FixedMatrix entry;
-        std::copy_n(record.renderMat[i], 9, entry.begin());
-        const auto at = std::find(matrices.begin(), matrices.end(), entry);
-        found.push_back(entry == kIdentityMatrix ? kInvalid
-                                                 : static_cast<int>(at - matrices.begin()));
+        const auto equals = [&](const int(&m)[9]) {
+            return std::ranges::equal(m, record.renderMat[i]);
+        };
+        const auto at = std::ranges::find_if(other.renderMat, equals);
+        found.push_back(equals(kIdentity) ? kInvalid : static_cast<int>(at - other.renderMat));
     }
     return found;
 }
@@ -56,11 +38,57 @@ void expectInvertible(const std::int32_t (&m)[9], int frame) {
     EXPECT_NEAR(m[8], 1000000, 1) << "frame " << frame;
 }
 
+TEST(MotionRecord, HoldsWhatAComputationOfItsOwnGives) {
+    // The hand-held sweep, recomputed from the method's formulas by a program of its own. Matrices
+    // may differ by a unit: that one inverts in closed form, the engine by decomposition.
+    auto stabilizer = sweeps::fed(sweeps::handHeld(), kWidth, kHeight);
+    auto landscape = sweeps::record(kWidth, kHeight, 13);
+    auto portrait = sweeps::record(kWidth, kHeight, 13);
+    portrait->orientation = 90;
+    for (auto* record : {landscape.get(), portrait.get()}) {
+        stabilizer.doStabilization(0, 1, 0, 0, 0, 0, true);  // the same a second time
+        EXPECT_EQ(stabilizer.getStabilizationInfo(record, true), 0);
+        EXPECT_THAT(record->cropParam, ElementsAre(5, 4, 614, 346));
+        EXPECT_EQ(record->matrixRows, 3);
+        EXPECT_EQ(record->matrixCols, 3);
+        EXPECT_EQ(record->leftBorderFrames, 6);
+        EXPECT_EQ(record->rightBorderFrames, 6);
+        EXPECT_THAT(record->leftBorderMat[6], Each(0));
+        EXPECT_THAT(record->rightBorderMat[6], Each(0));
+    }
+    const struct {
+        const std::int32_t (&entry)[9];
+        int c, s, x, y;
+    } cases[] = {
+        {landscape->renderMat[0], 1000000, 0, 0, 0},
+        {landscape->renderMat[1], 999999, 297, -5480260, -131039},
+        {landscape->renderMat[5], 999998, -1641, 3794720, -206222},
+        {landscape->renderMat[12], 999999, -457, 20674106, 872875},
+        {landscape->leftBorderMat[0], 1000000, 0, -5000000, 131015},
+        {landscape->leftBorderMat[5], 1000000, 0, -891898, 124},
+        {landscape->rightBorderMat[0], 1000000, 0, 20728149, -67776},
+        {landscape->rightBorderMat[5], 1000000, 0, 21000000, -166418},
+        {portrait->renderMat[12], 999999, -457, 20674106, 872875},
+        {portrait->leftBorderMat[0], 1000000, 0, 21000000, 10000000},
+        {portrait->leftBorderMat[5], 1000000, 0, 6802710, 9510},
+        {portrait->rightBorderMat[0], 1000000, 0, -5000000, -1117273},
+        {portrait->rightBorderMat[5], 1000000, 0, -5000000, -4000000},
+    };
+    for (const auto& [entry, c, s, x, y] : cases) {
+        const int expected[] = {c, -s, 0, s, c, 0, x, y, 1000000};
+        for (int i = 0; i < 9; ++i)
+            EXPECT_NEAR(entry[i], expected[i], 1) << "translation " << x << " element " << i;
+    }
+}
+
 TEST(MotionRecord, GivesEachRenderedFrameTheNextTransform) {
     auto transforms = sweeps::handHeld();
     transforms[0] = {1, 1, 0};  // so that no frame has the identity
-    const auto matrices = matricesOf(transforms);
-    const int count = static_cast<int>(transforms.size());
+    constexpr int count = 12;
+    constexpr int kUntouched = count + 1;
+    auto stabilizer = sweeps::smoothed(transforms, kWidth, kHeight);
+    auto whole = sweeps::record(kWidth, kHeight, count + 1);
+    stabilizer.getStabilizationInfo(whole.get(), true);
     const struct {
         int frames, first, last;
         std::vector<int> notRendered;
@@ -68,6 +96,7 @@ TEST(MotionRecord, GivesEachRenderedFrameTheNextTransform) {
         std::vector<int> expected;
     } cases[] = {
         // The last frame is never visited: it repeats the last rendered one.
+        {1, 0, 1, {}, true, {kUntouched}},
         {5, 0, 5, {}, true, {0, 1, 2, 3, 3}},
         {6, 0, 6, {1, 3}, true, {0, kInvalid, 1, kInvalid, 2, 2}},
         {6, 0, 6, {1, 3}, false, {0, 1, 2, 3, 4, 4}},
@@ -83,111 +112,94 @@ TEST(MotionRecord, GivesEachRenderedFrameTheNextTransform) {
         for (int frame : c.notRendered)
             record->renderFlag[frame] = 0;
         fake_platform::clearLog();
-        auto stabilizer = sweeps::smoothed(transforms, kWidth, kHeight);
-        EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), c.identityForInvalid), 0);
-        EXPECT_EQ(sources(*record, matrices), c.expected) << "case " << &c - cases;
-        EXPECT_EQ(record->matrixRows, 3);
-        EXPECT_EQ(record->matrixCols, 3);
+        EXPECT_EQ(stabilizer.getStabilizationInfo(record.get(), c.identityForInvalid), 0);
+        EXPECT_EQ(sources(*record, *whole), c.expected) << "case " << &c - cases;
         EXPECT_EQ(fake_platform::countLog("getStabilizationInfo : Last Valid Frame transformation "
                                           "copied from previous valid frame "),
                   std::max(0, c.frames - 1 - count));
     }
 }
 
-TEST(MotionRecord, OfOneRecordedFrameChangesCropAndBordersAlone) {
-    auto record = sweeps::record(kWidth, kHeight, 1);
-    record->renderMat[0][0] = 1234;
-    auto stabilizer = sweeps::smoothed(sweeps::steady(12, 5), kWidth, kHeight);
-    EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), true), 0);
-    EXPECT_THAT(record->renderMat[0], ElementsAre(1234, 0, 0, 0, 0, 0, 0, 0, 0));
-    EXPECT_GT(record->cropParam[2], 0);
-    EXPECT_EQ(record->leftBorderFrames, 6);
-}
-
-TEST(MotionRecord, WithoutPositionsHoldsIdentitiesAndTheFrame) {
-    auto stabilizer = sweeps::initialized(kWidth, kHeight);
-    auto record = sweeps::record(kWidth, kHeight, 3);
-    record->leftBorderFrames = record->rightBorderFrames = 4;
-    EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), true), 0);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_THAT(record->renderMat[i], ElementsAreArray(kIdentityMatrix));
-    EXPECT_THAT(record->renderMat[3], testing::Each(0));
-    EXPECT_THAT(record->cropParam, ElementsAre(0, 0, 639, 359));
-    EXPECT_EQ(record->leftBorderFrames, 4) << "nothing else is written";
-}
-
-TEST(MotionRecord, OfOnePositionHasNoCorrectionAndNoBorderFrames) {
-    auto record = sweeps::record(kWidth, kHeight, 3);
-    record->leftBorderFrames = 9;
-    auto stabilizer = sweeps::smoothed({{30, -20, .1}}, kWidth, kHeight);
-    EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), true), 0);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_THAT(record->renderMat[i], ElementsAreArray(kIdentityMatrix));
-    EXPECT_THAT(record->cropParam, ElementsAre(0, 0, 639, 359));
-    EXPECT_EQ(record->leftBorderFrames, 0);
-    EXPECT_EQ(record->rightBorderFrames, 0);
-}
-
-TEST(MotionRecord, HoldsSixBorderFramesASideThatReachTheCropMargins) {
-    // A sweep of 20 px/frame in a frame of 1000 x 500 has the crop 12 to 846 by 41 to 458: in
-    // landscape from left to right the frames before start at minX = 12, those after end at
-    // 846 - 1000. The written translation is the inverse.
-    auto record = sweeps::record(1000, 500, 40);
-    auto stabilizer = sweeps::smoothed(sweeps::steady(40, 20), 1000, 500);
-    EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), true), 0);
-    EXPECT_EQ(record->leftBorderFrames, 6);
-    EXPECT_EQ(record->rightBorderFrames, 6);
-    EXPECT_NEAR(record->leftBorderMat[0][6], -12 * 1000000, 1);
-    EXPECT_NEAR(record->rightBorderMat[5][6], 154 * 1000000, 20);  // a float's last place
-    for (int i = 0; i < 6; ++i) {
-        expectInvertible(record->leftBorderMat[i], i);
-        expectInvertible(record->rightBorderMat[i], i);
-    }
-    EXPECT_THAT(record->leftBorderMat[6], testing::Each(0));
-    EXPECT_THAT(record->cropParam, ElementsAre(12, 41, 834, 417));
-}
-
-TEST(MotionRecord, SaysItsLastStretchInOrder) {
-    auto record = sweeps::record(1920, 1080, 2);
-    record->orientation = 45;
-    auto stabilizer = sweeps::smoothed(std::vector<Trajectory>(2), 1920, 1080);
-    fake_platform::clearLog();
-    stabilizer->getStabilizationInfo(record.get(), true);
-    const auto texts = fake_platform::logTexts();
-    const std::vector<std::string> head{
-        "getStabilizationInfo : Frame[0] is Valid",
-        "getStabilizationInfo : RenderCnt  0 and SmoothTransformSize = 2 ",
-        "getStabilizationInfo : Frame[0] ValidFrm[0] Trans [1.000000  -0.000000  0.000000  0.000000"
-        "  1.000000  0.000000  0.000000  0.000000  1.000000] ",
-        "getStabilizationInfo : lastValidFrameIndex = 0, numFrames = 2",
-        "getStabilizationInfo : Extrapolation using angles: DISABLED",
-        "getStabilizationInfo : X dir: MIN(0, 0) = 0.000000 ",
-        "getStabilizationInfo : Y dir: MIN(0, 0) = 0.000000 ",
-        "getStabilizationInfo : Capture Direction : 1 ",
-        "getStabilizationInfo : Orientation : 45 ",
-        "getStabilizationInfo : Flip : 0 ",
-        "getStabilizationInfo : Original Frame 0: Val_X = 0.000000 ",
-        "getStabilizationInfo : Original Frame 0: Val_Y = 0.000000 ",
-        "getStabilizationInfo : FIRST FRAME",
-        "getStabilizationInfo : sumkx = 0.000000 sumk = 1.000000 sumx = 0.000000 sumk2 = 1.000000",
+TEST(MotionRecord, WithoutAMotionHoldsIdentitiesAndTheFrame) {
+    const auto expectIdentities = [](cKalmanFilterStabilization stabilizer, int borderFrames) {
+        auto record = sweeps::record(kWidth, kHeight, 3);
+        record->leftBorderFrames = record->rightBorderFrames = 4;
+        EXPECT_EQ(stabilizer.getStabilizationInfo(record.get(), true), 0);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_THAT(record->renderMat[i], ElementsAreArray(kIdentity));
+        EXPECT_THAT(record->renderMat[3], Each(0));
+        EXPECT_THAT(record->cropParam, ElementsAre(0, 0, 639, 359));
+        EXPECT_EQ(record->leftBorderFrames, borderFrames);
+        EXPECT_EQ(record->rightBorderFrames, borderFrames);
     };
-    ASSERT_GT(texts.size(), head.size() + 3);
-    EXPECT_THAT(std::vector(texts.begin(), texts.begin() + head.size()), ElementsAreArray(head));
-    EXPECT_THAT(std::vector(texts.end() - 4, texts.end()),
-                ElementsAre("getStabilizationInfo : End: Duplicate Frame 5: Val_Y = 0.000000 ",
-                            "getStabilizationInfo : __crossOverPoint = 0 ",
-                            "getStabilizationInfo crop smoothing boundaries 0 1920 0 1080",
-                            "getStabilizationInfo crop smoothing params 0 0 1920 1080"));
+    expectIdentities(sweeps::fed({}, kWidth, kHeight), 4);  // which are not written at all
+    expectIdentities(sweeps::smoothed({{30, -20, .1}}, kWidth, kHeight), 0);
+    expectIdentities(sweeps::fed(sweeps::handHeld(), kWidth, kHeight), 0);  // never smoothed
 }
 
-TEST(MotionRecord, IsTheSameAfterASecondSmoothing) {
-    auto stabilizer = sweeps::smoothed(sweeps::handHeld(), kWidth, kHeight);
-    auto once = sweeps::record(kWidth, kHeight, 12);
-    auto twice = sweeps::record(kWidth, kHeight, 12);
-    stabilizer->getStabilizationInfo(once.get(), true);
-    EXPECT_EQ(stabilizer->doStabilization(0, 1, 0, 0, 0, 0, true), 0);
-    stabilizer->getStabilizationInfo(twice.get(), true);
-    EXPECT_EQ(std::memcmp(once.get(), twice.get(), sizeof *once), 0);
+TEST(MotionRecord, SaysWhatItDerivesInOrder) {
+    // Without correction the smoothed path is 0, 0, 12 by 0, 0, -6, the crop 999 x 499. Lines:
+    // x = 6 k - 2, y = -3 k + 1. Before: x limited to the far margin -1, y 19 to 4 of the span 19
+    // to 0 onto -1 to 0. After: x 34 to 64 less 12, limited to the near margin 0; y onto 0 to 0.
+    auto stabilizer = sweeps::smoothed({{0, 0, 0}, {12, -6, 0}, {12, -6, 0}}, 1000, 500, false);
+    auto record = sweeps::record(1000, 500, 2);
+    record->orientation = 90;
+    fake_platform::clearLog();
+    stabilizer.getStabilizationInfo(record.get(), true);
+    std::vector<std::string> expected{
+        "Frame[0] is Valid",
+        "RenderCnt  0 and SmoothTransformSize = 3 ",
+        "Frame[0] ValidFrm[0] Trans [1.000000  -0.000000  0.000000  0.000000  1.000000  0.000000"
+        "  0.000000  0.000000  1.000000] ",
+        "lastValidFrameIndex = 0, numFrames = 2",
+        "Extrapolation using angles: DISABLED",
+        "X dir: MIN(0, 1) = 0.000000 ",
+        "Y dir: MIN(0, 1) = 0.000000 ",
+        "Capture Direction : 1 ",
+        "Orientation : 90 ",
+        "Flip : 0 ",
+        "Original Frame 0: Val_X = 0.000000 ",
+        "Original Frame 0: Val_Y = 0.000000 ",
+        "FIRST FRAME",
+        "sumkx = 24.000000 sumk = 3.000000 sumx = 12.000000 sumk2 = 5.000000",
+        "m_num_x = 36.000000 m_den_x = 6.000000 m_x = 6.000000 b_x = -2.000000",
+        "Extrapolated X: [-8.000000 -14.000000 -20.000000 -26.000000 -32.000000 -38.000000]",
+        "Extrapolated Y: [4.000000 7.000000 10.000000 13.000000 16.000000 19.000000]",
+        "PORTRAIT/REVERSE PORTRAIT",
+        "FIRST FRAME: X_New : [-1.000000 -1.000000 -1.000000 -1.000000 -1.000000 -1.000000]",
+        "oStart = 19.000000, oEnd = 0.000000, nStart = -1.000000, nEnd = 0.000000",
+        "Start: Duplicate Frame 0: Val_X = -1.000000 ",
+        "Start: Duplicate Frame 0: Val_Y = -1.000000 ",
+        "Start: Duplicate Frame 5: Val_X = -1.000000 ",
+        "Start: Duplicate Frame 5: Val_Y = -0.210526 ",
+        "LAST FRAME",
+        "Original Frame 3: Val_X = 0.000000 ",
+        "Original Frame 3: Val_Y = 0.000000 ",
+        "sumkx = 24.000000 sumk = 3.000000 sumx = 12.000000 sumk2 = 5.000000",
+        "m_num_x = 36.000000 m_den_x = 6.000000 m_x = 6.000000 b_x = -2.000000",
+        "Extrapolated X: [34.000000 40.000000 46.000000 52.000000 58.000000 64.000000]",
+        "Extrapolated Y: [-17.000000 -20.000000 -23.000000 -26.000000 -29.000000 -32.000000]",
+        "oStart = -6.000000, oEnd = -32.000000, nStart = 0.000000, nEnd = 0.000000",
+        "LAST FRAME: X_New : [0.000000 0.000000 0.000000 0.000000 0.000000 0.000000]",
+        "LAST FRAME: Y_New : [0.000000 0.000000 0.000000 0.000000 0.000000 0.000000]",
+        "End: Duplicate Frame 0: Val_X = 0.000000 ",
+        "End: Duplicate Frame 0: Val_Y = 0.000000 ",
+        "End: Duplicate Frame 5: Val_X = 0.000000 ",
+        "End: Duplicate Frame 5: Val_Y = 0.000000 ",
+        "__crossOverPoint = 0 ",
+    };
+    for (std::string& text : expected)
+        text.insert(0, "getStabilizationInfo : ");
+    expected.push_back("getStabilizationInfo crop smoothing boundaries 0 999 0 499");
+    expected.push_back("getStabilizationInfo crop smoothing params 0 0 999 499");
+    auto said = fake_platform::logTexts("ORBITWALK_ENGINE KALMAN_STABILIZATION");
+    EXPECT_EQ(std::erase_if(said,
+                            [](const std::string& text) {
+                                return testing::Matches(
+                                    testing::ContainsRegex("Duplicate Frame [1-4]:"))(text);
+                            }),
+              16u);
+    EXPECT_EQ(said, expected);
 }
 
 TEST(MotionRecord, IsLimitedToItsArrays) {
@@ -195,12 +207,12 @@ TEST(MotionRecord, IsLimitedToItsArrays) {
          {-1, 0, 1001, 1000000, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
         for (bool positions : {false, true}) {
             auto stabilizer = positions ? sweeps::smoothed(sweeps::steady(12, 5), kWidth, kHeight)
-                                        : sweeps::initialized(kWidth, kHeight);
+                                        : sweeps::fed({}, kWidth, kHeight);
             auto record = sweeps::record(kWidth, kHeight, frames);
             record->endIndex = std::numeric_limits<int>::max();
             record->width = record->height = std::numeric_limits<int>::min();
-            EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), true), 0);
-            EXPECT_THAT(record->reserved, testing::Each(0));
+            EXPECT_EQ(stabilizer.getStabilizationInfo(record.get(), true), 0);
+            EXPECT_THAT(record->reserved, Each(0));
             EXPECT_EQ(record->renderMat[999][8] != 0, frames > 1000) << frames;
         }
     }
@@ -210,14 +222,13 @@ TEST(MotionRecord, IsInvertibleWhateverThePositionsWere) {
     const double infinity = std::numeric_limits<double>::infinity();
     for (double hostile : {std::nan(""), infinity, -infinity, 1e9, -1e30, 1e308}) {
         for (int orientation : {0, 90, 180, 270, 45}) {
-            auto stabilizer = sweeps::initialized(kWidth, kHeight);
-            sweeps::send(*stabilizer, sweeps::handHeld());
-            stabilizer->sendTransformationMatrix(hostile, -hostile, hostile);
-            stabilizer->sendTransformationMatrix(100, 3, 0);
-            EXPECT_EQ(stabilizer->doStabilization(0, 1, 0, 0, 0, 0, true), 0);
+            auto stabilizer = sweeps::fed(sweeps::handHeld(), kWidth, kHeight);
+            stabilizer.sendTransformationMatrix(hostile, -hostile, hostile);
+            stabilizer.sendTransformationMatrix(100, 3, 0);
+            EXPECT_EQ(stabilizer.doStabilization(0, 1, 0, 0, 0, 0, true), 0);
             auto record = sweeps::record(kWidth, kHeight, 15);
             record->orientation = orientation;
-            EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), true), 0);
+            EXPECT_EQ(stabilizer.getStabilizationInfo(record.get(), true), 0);
             for (int i = 0; i < 15; ++i)
                 expectInvertible(record->renderMat[i], i);
             for (int i = 0; i < 6; ++i) {
@@ -226,14 +237,6 @@ TEST(MotionRecord, IsInvertibleWhateverThePositionsWere) {
             }
         }
     }
-}
-
-TEST(MotionRecord, WithoutSmoothingHoldsIdentities) {
-    auto stabilizer = sweeps::initialized(kWidth, kHeight);
-    sweeps::send(*stabilizer, sweeps::handHeld());
-    auto record = sweeps::record(kWidth, kHeight, 12);
-    EXPECT_EQ(stabilizer->getStabilizationInfo(record.get(), true), 0);
-    EXPECT_THAT(record->renderMat[11], ElementsAreArray(kIdentityMatrix));
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ void runFuzzTarget(std::span<const std::byte> bytes) {
 
 // The target aborts where a property does not hold.
 TEST(RecordCorpus, HoldsThePropertiesOnEveryDamagedRecord) {
-    constexpr int records = 1500;
+    constexpr int records = 800;
     const auto valid = recordBytes(sampleRecord());
     int accepted = 0;
     std::map<RecordFault, int> refused;

@@ -67,6 +67,7 @@ TEST(RecordCheck, RefusesWhatCannotBePlayedAndSaysWhy) {
         {RecordFault::Range, [](Record& r) { r.endIndex = -1; }},
         {RecordFault::Range, [](Record& r) { r.endIndex = 13; }},
         {RecordFault::BorderCount, [](Record& r) { r.leftBorderFrames = 11; }},
+        {RecordFault::BorderCount, [](Record& r) { r.rightBorderFrames = 11; }},
         {RecordFault::BorderCount, [](Record& r) { r.rightBorderFrames = least; }},
         {RecordFault::Code, [](Record& r) { r.captureDirection = 0; }},
         {RecordFault::Code, [](Record& r) { r.captureDirection = 5; }},

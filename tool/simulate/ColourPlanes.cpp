@@ -1,0 +1,67 @@
+#include "simulate/ColourPlanes.h"
+
+#include <opencv2/imgproc.hpp>
+
+namespace orbitwalk::tool {
+
+namespace {
+
+// BT.709 with limited range, from blue, green, red and one. Computed on the gamma-coded values, as
+// a camera does.
+cv::Matx34f videoMatrix() {
+    constexpr double kr = 0.2126, kb = 0.0722, kg = 1 - kr - kb;
+    constexpr double luma = 219 / 255.0, colour = 112 / 255.0;
+    constexpr double u = colour / (1 - kb), v = colour / (1 - kr);
+    return cv::Matx34d(luma * kb, luma * kg, luma * kr, 16,  //
+                       u * (1 - kb), -u * kg, -u * kr, 128,  //
+                       -v * kb, -v * kg, v * (1 - kr), 128);
+}
+
+void soften(cv::Mat1f& plane, double sigma) {
+    if (sigma <= 0)
+        return;
+    const int side = 2 * cvCeil(4 * sigma) + 1;
+    cv::GaussianBlur(plane, plane, {side, side}, sigma, sigma, cv::BORDER_REFLECT_101);
+}
+
+// Averages of two by two: pixel i lies at 2 i + 0.5 of the full plane.
+cv::Mat1f halved(const cv::Mat1f& plane) {
+    cv::Mat1f half;
+    cv::resize(plane(cv::Rect(0, 0, plane.cols & ~1, plane.rows & ~1)), half, {}, 0.5, 0.5,
+               cv::INTER_AREA);
+    return half;
+}
+
+}  // namespace
+
+ColourPlanes blankPlanes(cv::Size size) {
+    const cv::Size half = size / 2;
+    return {cv::Mat1f(size), cv::Mat1f(half), cv::Mat1f(half)};
+}
+
+ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma) {
+    cv::Mat3f ycc;
+    bgr.convertTo(ycc, CV_32F);
+    cv::transform(ycc, ycc, videoMatrix());
+    ColourPlanes planes;
+    cv::extractChannel(ycc, planes.y, 0);
+    cv::Mat1f full;
+    for (const auto& [channel, plane] : {std::pair{1, &planes.cb}, {2, &planes.cr}}) {
+        cv::extractChannel(ycc, full, channel);
+        *plane = halved(full);
+        soften(*plane, sigma);
+    }
+    soften(planes.y, sigma);
+    return planes;
+}
+
+void resample(const ColourPlanes& scene, const SamplingGrid& grid, ColourPlanes& frame) {
+    resample(scene.y, grid, frame.y);
+    // Colour samples sit on every second column, halfway between two rows (H.264's default siting).
+    const cv::Point2d start = grid.at(0, 0.5);
+    const SamplingGrid half{(start - cv::Point2d(0.5, 0.5)) / 2, grid.stepX, grid.stepY};
+    resample(scene.cb, half, frame.cb);
+    resample(scene.cr, half, frame.cr);
+}
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <opencv2/core.hpp>
+
+#include "simulate/Resampler.h"
+
+namespace orbitwalk::tool {
+
+/// A picture as 8-bit video codes it (BT.709, luma 16 to 235, colour around 128), before rounding:
+/// luma at full size, the two colour planes at half.
+struct ColourPlanes {
+    cv::Mat1f y;
+    cv::Mat1f cb;
+    cv::Mat1f cr;
+};
+
+/// Planes for a frame; width and height even.
+ColourPlanes blankPlanes(cv::Size size);
+
+/// The picture as a lens of the given Gaussian sigma shows it, in pixels of the picture.
+ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma);
+
+/// Fills a frame from a scene. @param grid  scene point of each full-size pixel of the frame.
+void resample(const ColourPlanes& scene, const SamplingGrid& grid, ColourPlanes& frame);
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,81 @@
+#include "simulate/Resampler.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace orbitwalk::tool {
+
+namespace {
+
+constexpr int taps = 8;
+constexpr int before = taps / 2 - 1;  // Samples left of the one that a point falls behind.
+constexpr int phases = 1024;
+
+using Weights = std::array<float, taps>;
+
+double lanczos(double x) {
+    constexpr double lobes = taps / 2;
+    if (std::abs(x) < 1e-9)
+        return 1;
+    const double px = CV_PI * x;
+    return lobes * std::sin(px) * std::sin(px / lobes) / (px * px);
+}
+
+// Normalised for each phase, so that a flat picture stays flat.
+std::vector<Weights> makeWeights() {
+    std::vector<Weights> table(phases + 1);
+    for (int phase = 0; phase <= phases; ++phase) {
+        std::array<double, taps> exact;
+        double sum = 0;
+        for (int i = 0; i < taps; ++i)
+            sum += exact[i] = lanczos(i - before - static_cast<double>(phase) / phases);
+        for (int i = 0; i < taps; ++i)
+            table[phase][i] = static_cast<float>(exact[i] / sum);
+    }
+    return table;
+}
+
+struct Sample {
+    int first;  // First of the taps along one axis.
+    int phase;
+};
+
+Sample locate(double position, int length) {
+    const double whole = std::floor(position);
+    const int first = static_cast<int>(std::clamp(whole - before, 0.0, double(length - taps)));
+    return {first, cvRound((position - whole) * phases)};
+}
+
+float filtered(const float* corner, std::size_t stride, const Weights& wx, const Weights& wy) {
+    std::array<float, taps> columns{};
+    for (int row = 0; row < taps; ++row)
+        for (int i = 0; i < taps; ++i)
+            columns[i] += wy[row] * corner[row * stride + i];
+    float sum = 0;
+    for (int i = 0; i < taps; ++i)
+        sum += wx[i] * columns[i];
+    return sum;
+}
+
+}  // namespace
+
+void resample(const cv::Mat1f& source, const SamplingGrid& grid, cv::Mat1f& target) {
+    static const std::vector<Weights> weights = makeWeights();
+    CV_Assert(source.cols >= taps && source.rows >= taps);
+    const auto rows = [&](const cv::Range& range) {
+        for (int y = range.start; y < range.end; ++y) {
+            float* out = target[y];
+            for (int x = 0; x < target.cols; ++x) {
+                const cv::Point2d point = grid.at(x, y);
+                const Sample h = locate(point.x, source.cols), v = locate(point.y, source.rows);
+                out[x] = filtered(source[v.first] + h.first, source.step1(), weights[h.phase],
+                                  weights[v.phase]);
+            }
+        }
+    };
+    cv::parallel_for_({0, target.rows}, rows);
+}
+
+}  // namespace orbitwalk::tool

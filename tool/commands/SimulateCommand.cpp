@@ -152,7 +152,11 @@ void simulate(SimulateOptions options) {
     if (!options.truth.empty())
         truth.emplace(options.truth);
     Simulation simulation(options.settings, photo);
-    writeClip(simulation, options, clip);
+    try {
+        writeClip(simulation, options, clip);
+    } catch (const media::MediaError& error) {
+        throw ToolError(options.clip.string() + ": " + error.what());
+    }
     clip.close();
     if (truth) {
         writeTruth(simulation.truth(), truth->stream());

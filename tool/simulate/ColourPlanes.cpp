@@ -6,12 +6,13 @@ namespace orbitwalk::tool {
 
 namespace {
 
-// BT.709 with limited range, from blue, green, red and one. Computed on the gamma-coded values, as
-// a camera does.
-cv::Matx34f videoMatrix() {
-    constexpr double kr = 0.2126, kb = 0.0722, kg = 1 - kr - kb;
+// From blue, green, red and one to limited range. Computed on the gamma-coded values, as a camera
+// does.
+cv::Matx34f videoMatrix(ColourMatrix matrix) {
+    const bool bt709 = matrix == ColourMatrix::Bt709;
+    const double kr = bt709 ? 0.2126 : 0.299, kb = bt709 ? 0.0722 : 0.114, kg = 1 - kr - kb;
     constexpr double luma = 219 / 255.0, colour = 112 / 255.0;
-    constexpr double u = colour / (1 - kb), v = colour / (1 - kr);
+    const double u = colour / (1 - kb), v = colour / (1 - kr);
     return cv::Matx34d(luma * kb, luma * kg, luma * kr, 16,  //
                        u * (1 - kb), -u * kg, -u * kr, 128,  //
                        -v * kb, -v * kg, v * (1 - kr), 128);
@@ -39,10 +40,10 @@ ColourPlanes blankPlanes(cv::Size size) {
     return {cv::Mat1f(size), cv::Mat1f(half), cv::Mat1f(half)};
 }
 
-ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma) {
+ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma, ColourMatrix matrix) {
     cv::Mat3f ycc;
     bgr.convertTo(ycc, CV_32F);
-    cv::transform(ycc, ycc, videoMatrix());
+    cv::transform(ycc, ycc, videoMatrix(matrix));
     ColourPlanes planes;
     cv::extractChannel(ycc, planes.y, 0);
     cv::Mat1f full;

@@ -6,8 +6,8 @@
 
 namespace orbitwalk::tool {
 
-/// A picture as 8-bit video codes it (BT.709, luma 16 to 235, colour around 128), before rounding:
-/// luma at full size, the two colour planes at half.
+/// A picture as 8-bit video codes it (luma 16 to 235, colour around 128), before rounding: luma at
+/// full size, the two colour planes at half.
 struct ColourPlanes {
     cv::Mat1f y;
     cv::Mat1f cb;
@@ -17,8 +17,10 @@ struct ColourPlanes {
 /// Planes for a frame; width and height even.
 ColourPlanes blankPlanes(cv::Size size);
 
+enum class ColourMatrix { Bt601, Bt709 };
+
 /// The picture as a lens of the given Gaussian sigma shows it, in pixels of the picture.
-ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma);
+ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma, ColourMatrix matrix);
 
 /// Fills a frame from a scene. @param grid  scene point of each full-size pixel of the frame.
 void resample(const ColourPlanes& scene, const SamplingGrid& grid, ColourPlanes& frame);

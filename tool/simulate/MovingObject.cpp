@@ -56,16 +56,16 @@ void blend(const cv::Mat1f& texture, const SamplingGrid& grid, cv::Point2d centr
 
 }  // namespace
 
-MovingObject::MovingObject(const SimulationSettings& settings) {
+MovingObject::MovingObject(const SimulationSettings& settings, ColourMatrix matrix) {
     const cv::Size2d frame(settings.size.width, settings.size.height);
     mHalfAxes = cv::Size2d(0.3, 0.5) * (settings.object * frame.height);
     const cv::Point2d direction = cameraStep(settings.direction);
     const cv::Point2d travel(direction.x * frame.width, direction.y * frame.height);
     mStart = frameCentre(settings.size) - travel / 2;
     mStep = travel / std::max(settings.frames - 1, 1);
-    mTexture = softPlanes(
-        texturedScene(textureSize(mHalfAxes), randomStream(settings.seed, Randomness::Object)),
-        settings.softness);
+    const cv::Mat3b texture =
+        texturedScene(textureSize(mHalfAxes), randomStream(settings.seed, Randomness::Object));
+    mTexture = softPlanes(texture, settings.softness, matrix);
 }
 
 cv::Point2d MovingObject::centre(int frame) const {

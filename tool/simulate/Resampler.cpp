@@ -15,25 +15,21 @@ constexpr int phases = 1024;
 
 using Weights = std::array<float, taps>;
 
-double lanczos(double x) {
-    constexpr double lobes = taps / 2;
-    if (std::abs(x) < 1e-9)
-        return 1;
-    const double px = CV_PI * x;
-    return lobes * std::sin(px) * std::sin(px / lobes) / (px * px);
+// Weight of the sample at node, of nodes -before to before + 1, for a point between 0 and 1.
+double lagrange(int node, double point) {
+    double weight = 1;
+    for (int other = -before; other <= before + 1; ++other)
+        if (other != node)
+            weight *= (point - other) / (node - other);
+    return weight;
 }
 
-// Normalised for each phase, so that a flat picture stays flat.
 std::vector<Weights> makeWeights() {
     std::vector<Weights> table(phases + 1);
-    for (int phase = 0; phase <= phases; ++phase) {
-        std::array<double, taps> exact;
-        double sum = 0;
+    for (int phase = 0; phase <= phases; ++phase)
         for (int i = 0; i < taps; ++i)
-            sum += exact[i] = lanczos(i - before - static_cast<double>(phase) / phases);
-        for (int i = 0; i < taps; ++i)
-            table[phase][i] = static_cast<float>(exact[i] / sum);
-    }
+            table[phase][i] =
+                static_cast<float>(lagrange(i - before, static_cast<double>(phase) / phases));
     return table;
 }
 

@@ -14,9 +14,11 @@ struct SamplingGrid {
     cv::Point2d at(double x, double y) const { return origin + x * stepX + y * stepY; }
 };
 
-/// Fills target with the source at the grid's points, by a separable Lanczos filter of eight by
-/// eight samples whose phases are a thousandth of a pixel: an image library's thirty-secondth would
-/// show in the motion. The source must be smooth enough for the grid's step, and the grid stay four
+/// Fills target with the source at the grid's points, by Lagrange's interpolation of eight by eight
+/// samples with phases of a thousandth of a pixel. It is exact for polynomials of seventh degree
+/// and so moves nothing: a windowed sinc such as Lanczos's shifts smooth pictures by up to a
+/// hundredth of a pixel depending on the phase, and an image library's phases are a
+/// thirty-secondth. The source must be smooth enough for the grid's step, and the grid stay four
 /// samples away from its edges; points beyond take the nearest allowed samples.
 void resample(const cv::Mat1f& source, const SamplingGrid& grid, cv::Mat1f& target);
 

@@ -63,11 +63,14 @@ Simulation::Simulation(const SimulationSettings& settings, const cv::Mat3b& phot
     : mSettings(settings),
       mPoses(cameraPath(settings)),
       mTruth(trueMotions(mPoses, settings.size)),
+      mMatrix(media::isHighDefinition(settings.size.width, settings.size.height)
+                  ? ColourMatrix::Bt709
+                  : ColourMatrix::Bt601),
       mPicture(blankPlanes({settings.size.width, settings.size.height})) {
     const cv::Rect2d extent = sceneExtent(mPoses, settings.size);
     prepareScene(photo.empty() ? ownScene(extent, settings) : photo, extent);
     if (settings.object > 0)
-        mObject.emplace(settings);
+        mObject.emplace(settings, mMatrix);
 }
 
 void Simulation::prepareScene(const cv::Mat3b& photo, const cv::Rect2d& extent) {
@@ -75,7 +78,7 @@ void Simulation::prepareScene(const cv::Mat3b& photo, const cv::Rect2d& extent) 
     mPhotoScale = mPlacement.scale;
     const cv::Mat3b part = croppedTo(extent, photo, mSettings.softness, mPlacement);
     const cv::Mat3b scene = reduced(part, mPlacement);
-    mScene = softPlanes(scene, sceneBlur(mSettings.softness, mPlacement.scale));
+    mScene = softPlanes(scene, sceneBlur(mSettings.softness, mPlacement.scale), mMatrix);
 }
 
 std::size_t Simulation::frameBytes() const {

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "media/VideoReader.h"
+#include "media/MediaTypes.h"
 
 namespace orbitwalk::tool {
 

@@ -1,0 +1,124 @@
+#include "simulate/PictureMotion.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <memory>
+#include <numbers>
+
+#include "simulate/CameraPath.h"
+#include "simulate/HandShake.h"
+#include "simulate/TruthFile.h"
+
+namespace orbitwalk::tool {
+namespace {
+
+constexpr FrameSize fullHd{1920, 1080};
+constexpr double quarterTurn = std::numbers::pi / 2;
+
+void expectMotion(const PictureMotion& found, const PictureMotion& wanted) {
+    EXPECT_NEAR(found.x, wanted.x, 1e-9);
+    EXPECT_NEAR(found.y, wanted.y, 1e-9);
+    EXPECT_NEAR(found.a, wanted.a, 1e-12);
+}
+
+TEST(PictureMotion, IsMeasuredFromTheCornerOfTheCentralThreeFifths) {
+    // 1920 / 4 / 5 = 96 columns and 1080 / 4 / 5 = 54 rows of the quarter-size picture.
+    EXPECT_EQ(measuringOrigin(fullHd), cv::Point2d(384, 216));
+    EXPECT_EQ(measuringOrigin({642, 362}), cv::Point2d(128, 72));
+}
+
+TEST(PictureMotion, OfAPanIsAgainstTheCamera) {
+    expectMotion(motionBetween({100, 50, 0}, {112, 47, 0}, fullHd), {-12, 3, 0});
+}
+
+TEST(PictureMotion, OfARollAboutTheCentreMovesTheMeasuringOrigin) {
+    // The origin lies at (-575.5, -323.5) from the centre. A camera that turns clockwise turns the
+    // picture anticlockwise: (x, y) becomes (y, -x) = (-323.5, 575.5).
+    expectMotion(motionBetween({7, 8, 0}, {7, 8, quarterTurn}, fullHd), {252, 899, -quarterTurn});
+}
+
+TEST(PictureMotion, OfAPanSeenByATurnedCameraIsTurned) {
+    // The scene's rightward step is upward in a frame that is turned clockwise by a quarter.
+    expectMotion(motionBetween({0, 0, quarterTurn}, {10, 0, quarterTurn}, fullHd), {0, 10, 0});
+}
+
+TEST(PictureMotion, CarriesEveryScenePointFromFrameToFrame) {
+    using Complex = std::complex<double>;
+    const Complex centre(959.5, 539.5), origin(384, 216);
+    const auto seenAt = [&](Complex scene, const CameraPose& pose) {
+        return (scene - Complex(pose.x, pose.y)) * std::polar(1.0, -pose.roll) + centre - origin;
+    };
+    const CameraPose before{3, -4, 0.02}, after{15.5, -3, -0.013};
+    const PictureMotion motion = motionBetween(before, after, fullHd);
+    for (const Complex scene : {Complex(0, 0), Complex(800, -300), Complex(-50, 444)}) {
+        const Complex moved = std::polar(1.0, motion.a) * seenAt(scene, before);
+        EXPECT_LT(std::abs(moved + Complex(motion.x, motion.y) - seenAt(scene, after)), 1e-9);
+    }
+}
+
+TEST(TrueMotions, SumsTheStepsComponentByComponent) {
+    const std::vector<CameraPose> poses{{0, 0, 0}, {0, 0, quarterTurn}, {0, 0, 0}};
+    const auto rows = trueMotions(poses, fullHd);
+    ASSERT_EQ(rows.size(), 3u);
+    expectMotion(rows[0].sum, {});
+    expectMotion(rows[1].sum, {252, 899, -quarterTurn});
+    // Back the other way (x, y) becomes (-y, x): a step of (899, -252), though the picture is where
+    // it was.
+    expectMotion(rows[2].step, {899, -252, quarterTurn});
+    expectMotion(rows[2].sum, {1151, 647, 0});
+}
+
+TEST(TruthFile, WritesDigitsThatReadBackExactly) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+    const std::vector<TrueMotion> truth{{}, {{-12.5, 0.1, 1e-7}, {-12.5, 1.0 / 3, 1e-7}}};
+    writeTruth(truth, file.get());
+    std::rewind(file.get());
+    char text[200] = {};
+    text[std::fread(text, 1, sizeof text - 1, file.get())] = 0;
+    EXPECT_STREQ(text,
+                 "frame,dx,dy,da,x,y,a\n"
+                 "0,0,0,0,0,0,0\n"
+                 "1,-12.5,0.1,1e-07,-12.5,0.3333333333333333,1e-07\n");
+}
+
+double powerAt(const std::vector<double>& values, double frequencyHz, double rate) {
+    std::complex<double> sum;
+    for (std::size_t k = 0; k < values.size(); ++k)
+        sum += values[k] * std::polar(1.0, -2 * std::numbers::pi * frequencyHz * double(k) / rate);
+    return std::norm(sum) / double(values.size());
+}
+
+TEST(HandShake, IsSlowDriftWithALittleTremorAndNothingElse) {
+    constexpr double rate = 60;
+    const auto values = handShake(1200, rate, 8, cv::RNG(5));
+    const auto strongest = [&](double from, double to) {
+        double most = 0;
+        for (double hz = from; hz <= to; hz += 0.05)
+            most = std::max(most, powerAt(values, hz, rate));
+        return most;
+    };
+    const double drift = strongest(0.5, 3), tremor = strongest(8, 12);
+    EXPECT_GT(tremor, 3 * strongest(5, 7));
+    EXPECT_GT(tremor, 3 * strongest(14, 30));
+    EXPECT_GT(drift, 50 * tremor);
+}
+
+TEST(CameraPath, SweepsSteadilyAndShakesUpToTheStrengthAsked) {
+    SimulationSettings settings;
+    settings.direction = SweepDirection::Bottom2Top;
+    const auto poses = cameraPath(settings);
+    double x = 0, y = 0, roll = 0;
+    for (int k = 0; k < settings.frames; ++k) {
+        x = std::max(x, std::abs(poses[k].x));
+        y = std::max(y, std::abs(poses[k].y + settings.speed * k));
+        roll = std::max(roll, std::abs(poses[k].roll));
+    }
+    EXPECT_NEAR(x, settings.shake, 1e-9);
+    EXPECT_NEAR(y, settings.shake, 1e-9);
+    EXPECT_NEAR(roll, settings.roll, 1e-12);
+}
+
+}  // namespace
+}  // namespace orbitwalk::tool

@@ -34,17 +34,12 @@ bool takesI420(const AVCodec& codec) {
     return false;
 }
 
-<<<<<<< HEAD
 /// Key frames stand where the interval says: "0" turns scene cuts off in x264, and what no score
 /// reaches does in the MPEG encoders, which refuse closed groups of pictures without it.
 const char* noSceneCuts(const AVCodec& encoder) {
     return encoder.id == AV_CODEC_ID_MPEG4 ? "1000000000" : "0";
 }
 
-/// The matrix that players assume for a picture of this size when nobody says: cameras of high
-/// definition use BT.709, those before it BT.601.
-=======
->>>>>>> 91ed8b1 (tests: check the simulated sweep against its truth, and the simulate command)
 void tagColours(AVCodecContext& codec) {
     const bool highDefinition = isHighDefinition(codec.width, codec.height);
     codec.color_range = AVCOL_RANGE_MPEG;

@@ -210,4 +210,12 @@ TEST_F(CaptureCommand, ASignalLeavesNothing) {
     }
 }
 
+TEST_F(CaptureCommand, CompletesTheFilesWhenNoOneReadsTheLogAnyMore) {
+    RunOptions options;
+    options.signalAfter = "CalculatePrevToCurTransform : Frame[1]";
+    options.signal = SIGPIPE;
+    capture({pan({.width = 320, .height = 240}), "--log-level", "verbose"}, options);
+    EXPECT_EQ(namesIn(mDir / "out"), kOutputs);
+}
+
 }  // namespace

@@ -53,6 +53,11 @@ bool drain(int end, std::string& text) {
     return count > 0;
 }
 
+void end(pollfd& source) {
+    close(source.fd);
+    source.fd = -1;
+}
+
 }  // namespace
 
 ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& options) {
@@ -70,14 +75,15 @@ ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& opt
         poll(sources.data(), sources.size(), -1);
         for (pollfd& source : sources) {
             const bool isOut = &source == sources.data();
-            if (source.revents && !drain(source.fd, isOut ? run.out : run.err)) {
-                close(source.fd);
-                source.fd = -1;
-            }
+            if (source.revents && !drain(source.fd, isOut ? run.out : run.err))
+                end(source);
         }
         if (!signalled && run.err.find(options.signalAfter) != std::string::npos) {
             signalled = true;
-            kill(child, options.signal);
+            if (options.signal == SIGPIPE)
+                end(sources[1]);
+            else
+                kill(child, options.signal);
         }
     }
     int status = 0;

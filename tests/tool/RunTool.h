@@ -11,7 +11,7 @@ struct RunOptions {
     std::map<std::string, std::string> environment;  ///< Added to the test's own.
     std::optional<long> fileSizeLimit;               ///< Bytes that the tool may write to a file.
     std::string signalAfter;  ///< Text on stderr upon which a signal is sent.
-    int signal = 0;
+    int signal = 0;           ///< SIGPIPE comes of closing stderr.
 };
 
 struct ToolRun {

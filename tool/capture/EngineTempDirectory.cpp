@@ -22,12 +22,13 @@ void setEngineDirectory(const std::string& path) {
 }  // namespace
 
 EngineTempDirectory::EngineTempDirectory() : mFormer(localTmpDir) {
-    const char* root = std::getenv("TMPDIR");
-    mDirectory = std::string(root && *root ? root : "/tmp") + "/orbitwalk-XXXXXX";
+    const char* variable = std::getenv("TMPDIR");
+    const std::string root = variable && *variable ? variable : "/tmp";
+    mDirectory = root + "/orbitwalk-XXXXXX";
     if ((mDirectory + "/engine/").size() > kLongestPath)
-        throw ToolError("the path of the temporary directory is too long: " + mDirectory);
+        throw ToolError("the temporary directory's path is too long: " + root);
     if (!mkdtemp(mDirectory.data()))
-        throw ToolError("cannot make the temporary directory " + mDirectory + ": " +
+        throw ToolError("cannot make a temporary directory in " + root + ": " +
                         std::strerror(errno));
     setEngineDirectory(mDirectory + "/engine/");
 }

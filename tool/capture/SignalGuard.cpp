@@ -19,7 +19,8 @@ SignalGuard::SignalGuard() {
     caughtSignal = 0;
     for (const int signal : {SIGHUP, SIGINT, SIGTERM})
         replace(signal, &noteSignal);
-    replace(SIGXFSZ, SIG_IGN);
+    for (const int signal : {SIGPIPE, SIGXFSZ})
+        replace(signal, SIG_IGN);
 }
 
 SignalGuard::~SignalGuard() {

@@ -7,8 +7,9 @@
 namespace orbitwalk::tool {
 
 /// While it lives, SIGHUP, SIGINT and SIGTERM only set a flag, so that the command can clean up,
-/// and a write beyond the file-size limit is an error instead of the end of the process. A signal
-/// that was ignored before stays ignored. One at a time in a process, on the main thread.
+/// and a write beyond the file-size limit or into a closed pipe is an error instead of the end of
+/// the process. A signal that was ignored before stays ignored. One at a time in a process, on the
+/// main thread.
 class SignalGuard {
   public:
     SignalGuard();

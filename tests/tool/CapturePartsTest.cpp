@@ -7,11 +7,11 @@
 
 #include "capture/EngineTempDirectory.h"
 #include "capture/FrameList.h"
-#include "capture/OutputFiles.h"
 #include "capture/RepeatedMotion.h"
 #include "capture/Summary.h"
 #include "capture/SweepCsv.h"
 #include "capture/SweepPath.h"
+#include "common/OutputFiles.h"
 #include "common/ToolError.h"
 #include "tool/TestDirectory.h"
 
@@ -107,15 +107,25 @@ TEST(OutputFiles, LeaveNothingBehindWithoutACommit) {
 TEST(OutputFiles, PutFormerFilesBackWhenOneCannotBePlaced) {
     const tool_test::TestDirectory dir;
     tool_test::writeFile(dir / "a", "former");
-    std::filesystem::create_directory(dir / "b");
     {
         OutputFiles files(dir / "");
         files.write("a", std::string("new"));
         files.write("b", std::string("second"));
+        std::filesystem::create_directory(dir / "b");
         EXPECT_THROW(files.commit(), ToolError);
     }
     EXPECT_EQ(tool_test::namesIn(dir / ""), (Names{"a", "b"}));
     EXPECT_EQ(tool_test::contentOf(dir / "a"), "former");
+}
+
+TEST(OutputFiles, ReplaceNeitherDirectoriesNorDevices) {
+    const tool_test::TestDirectory dir;
+    std::filesystem::create_directory(dir / "folder");
+    std::filesystem::create_symlink("/dev/null", dir / "device");
+    OutputFiles files(dir / "");
+    EXPECT_THROW(files.create("folder"), ToolError);
+    EXPECT_THROW(files.create("device"), ToolError);
+    EXPECT_EQ(tool_test::namesIn(dir / ""), (Names{"device", "folder"}));
 }
 
 TEST(EngineTempDirectory, IsPrivateAndGoneAtTheEnd) {

@@ -1,93 +1,61 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 #include <string>
 #include <vector>
 
-#include "commands/Commands.h"
-#include "common/PendingFile.h"
-#include "common/ToolError.h"
 #include "media/VideoReader.h"
 #include "simulate/Simulation.h"
+#include "tool/RunTool.h"
+#include "tool/TestDirectory.h"
 
 namespace orbitwalk::tool {
 namespace {
 
-namespace fs = std::filesystem;
+using tool_test::contentOf;
+using tool_test::runTool;
+using tool_test::ToolRun;
 
-std::string contents(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+using Arguments = std::vector<std::string>;
+
+Arguments smallClip(const Arguments& more) {
+    Arguments all{"simulate", "--size", "160x128", "--frames", "6", "--speed", "3"};
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
 }
 
-class SimulateCommand : public testing::Test {
-  protected:
-    SimulateCommand() {
-        std::string name = (fs::temp_directory_path() / "simulate-XXXXXX").string();
-        mDirectory = mkdtemp(name.data());
-    }
-    ~SimulateCommand() override { fs::remove_all(mDirectory); }
-
-    fs::path file(const std::string& name) const { return mDirectory / name; }
-
-    /// @return the failure's text, empty when the command succeeded.
-    std::string run(std::vector<std::string> arguments) const {
-        CLI::App app;
-        addSimulateCommand(app);
-        arguments.insert(arguments.begin(), "simulate");
-        std::reverse(arguments.begin(), arguments.end());
-        testing::internal::CaptureStdout();
-        std::string failure;
-        try {
-            app.parse(arguments);
-        } catch (const std::exception& error) {
-            failure = error.what();
-        }
-        testing::internal::GetCapturedStdout();
-        return failure;
-    }
-
-    std::size_t filesLeft() const {
-        return std::distance(fs::directory_iterator(mDirectory), fs::directory_iterator());
-    }
-
-    fs::path mDirectory;
-};
-
-const std::vector<std::string> smallClip{"--size", "160x128", "--frames", "6", "--speed", "3"};
-
-std::vector<std::string> with(std::vector<std::string> arguments,
-                              const std::vector<std::string>& more) {
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return arguments;
+void expectRefusal(const ToolRun& run, const std::string& reason) {
+    EXPECT_GT(run.exitCode, 0) << reason;
+    EXPECT_THAT(run.err, testing::HasSubstr(reason));
+    EXPECT_EQ(run.out, "");
 }
 
-TEST_F(SimulateCommand, WritesTheSameClipAndTruthEveryTime) {
-    for (const std::string name : {"a", "b"})
-        ASSERT_EQ(run(with(smallClip, {"-o", file(name + ".mp4"), "--truth", file(name + ".csv")})),
-                  "");
-    EXPECT_EQ(filesLeft(), 4u);
-    EXPECT_FALSE(contents(file("a.mp4")).empty());
-    EXPECT_EQ(contents(file("a.mp4")), contents(file("b.mp4")));
-    EXPECT_EQ(contents(file("a.csv")), contents(file("b.csv")));
-    EXPECT_THAT(contents(file("a.csv")),
-                testing::StartsWith("frame,dx,dy,da,x,y,a\n0,0,0,0,0,0,0\n"));
+TEST(SimulateCommand, WritesTheSameClipAndTruthEveryTime) {
+    const tool_test::TestDirectory dir;
+    for (const std::string name : {"a", "b"}) {
+        const ToolRun run = runTool(
+            smallClip({"-o", dir / (name + ".mp4"), "--truth", dir / (name + ".csv"), "--json"}));
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_EQ(nlohmann::json::parse(run.out).at("frames"), 6);
+    }
+    EXPECT_EQ(tool_test::namesIn(dir / ""), (Arguments{"a.csv", "a.mp4", "b.csv", "b.mp4"}));
+    EXPECT_FALSE(contentOf(dir / "a.mp4").empty());
+    EXPECT_EQ(contentOf(dir / "a.mp4"), contentOf(dir / "b.mp4"));
+    EXPECT_EQ(contentOf(dir / "a.csv"), contentOf(dir / "b.csv"));
 }
 
-TEST_F(SimulateCommand, EncodesTheRenderedFramesWithoutVisibleLoss) {
-    ASSERT_EQ(run(with(smallClip, {"-o", file("clip.mp4")})), "");
+TEST(SimulateCommand, EncodesTheRenderedFramesWithoutVisibleLoss) {
+    const tool_test::TestDirectory dir;
+    ASSERT_EQ(runTool(smallClip({"-o", dir / "clip.mp4"})).exitCode, 0);
     SimulationSettings settings;
     settings.size = {160, 128};
     settings.frames = 6;
     settings.speed = 3;
     Simulation simulation(settings, {});
-    media::VideoReader reader(file("clip.mp4"));
+    media::VideoReader reader(dir / "clip.mp4");
     std::vector<std::uint8_t> decoded, frame(simulation.frameBytes());
     int frames = 0;
     for (; reader.read(decoded); ++frames) {
@@ -97,54 +65,64 @@ TEST_F(SimulateCommand, EncodesTheRenderedFramesWithoutVisibleLoss) {
     EXPECT_EQ(frames, 6);
 }
 
-TEST_F(SimulateCommand, RefusesInOneLineAndLeavesNothingBehind) {
-    std::ofstream(file("text.jpg")) << "no picture";
-    fs::create_directory(file("folder"));
-    const std::string clip = file("clip.mp4");
-    struct Case {
-        std::vector<std::string> arguments;
+TEST(SimulateCommand, RefusesBadOptions) {
+    const struct {
+        Arguments arguments;
         std::string reason;
+    } cases[] = {
+        {{"--size", "161x120"}, "even numbers"},
+        {{"--size", "big"}, "even numbers"},
+        {{"--rate", "0"}, "frames a second"},
+        {{"--rate", "30/"}, "frames a second"},
+        {{"--speed", "nan"}, "--speed"},
+        {{"--frames", "0"}, "--frames"},
+        {{"--frames", "2.5"}, "--frames"},
+        {{"--direction", "up"}, "--direction"},
+        {{"--quality", "20", "--bit-rate", "1000000"}, "--bit-rate"},
+        {{"--frames", "100000"}, "too long"},
     };
-    const std::vector<Case> cases{
-        {{file("none.jpg"), "-o", clip}, "No such file"},
-        {{file("folder"), "-o", clip}, "cannot read"},
-        {{file("text.jpg"), "-o", clip}, "not a picture"},
-        {{"-o", file("none/clip.mp4")}, "cannot write"},
-        {{"-o", file("folder")}, "cannot write"},
-        {{"-o", clip, "--truth", file("none/truth.csv")}, "cannot write"},
-        {{"-o", clip, "--truth", clip}, "names of their own"},
-        {{"-o", clip, "--size", "161x120"}, "even numbers"},
-        {{"-o", clip, "--size", "big"}, "even numbers"},
-        {{"-o", clip, "--rate", "0"}, "frames a second"},
-        {{"-o", clip, "--rate", "30/"}, "frames a second"},
-        {{"-o", clip, "--speed", "nan"}, "--speed"},
-        {{"-o", clip, "--frames", "0"}, "--frames"},
-        {{"-o", clip, "--frames", "2.5"}, "--frames"},
-        {{"-o", clip, "--direction", "up"}, "--direction"},
-        {{"-o", clip, "--frames", "100000"}, "too long"},
-    };
-    for (const Case& c : cases) {
-        const std::string failure = run(c.arguments);
-        EXPECT_THAT(failure, testing::HasSubstr(c.reason));
-        EXPECT_EQ(failure.find('\n'), std::string::npos) << failure;
-        EXPECT_EQ(filesLeft(), 2u) << c.reason;
+    const tool_test::TestDirectory dir;
+    for (const auto& [more, reason] : cases) {
+        Arguments arguments{"simulate", "-o", dir / "clip.mp4"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        expectRefusal(runTool(arguments), reason);
+        EXPECT_EQ(tool_test::namesIn(dir / ""), Arguments{}) << reason;
     }
 }
 
-TEST_F(SimulateCommand, KeepsTheOldFileUntilTheNewOneIsComplete) {
-    std::ofstream(file("clip")) << "old";
-    {
-        PendingFile abandoned(file("clip"));
-        std::fputs("half", abandoned.stream());
+TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) {
+    const tool_test::TestDirectory dir;
+    tool_test::writeFile(dir / "text", "no picture");
+    std::filesystem::create_directory(dir / "folder");
+    const std::string clip = dir / "clip.mp4", text = dir / "text", folder = dir / "folder";
+    const struct {
+        Arguments arguments;
+        std::string reason;
+    } cases[] = {
+        {{dir / "none.jpg", "-o", clip}, "none.jpg: No such file"},
+        {{folder, "-o", clip}, "cannot read " + folder},
+        {{text, "-o", clip}, text + " is not a picture"},
+        {{"-o", dir / "text/clip.mp4"}, "cannot write"},
+        {{"-o", folder}, "cannot write " + folder},
+        {{"-o", clip, "--truth", folder}, "cannot write " + folder},
+        {{"-o", clip, "--truth", clip}, "names of their own"},
+        {{text, "-o", text}, "names of their own"},
+    };
+    for (const auto& [arguments, reason] : cases) {
+        const ToolRun run = runTool(smallClip(arguments));
+        expectRefusal(run, reason);
+        EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+        EXPECT_EQ(tool_test::namesIn(dir / ""), (Arguments{"folder", "text"})) << reason;
     }
-    EXPECT_EQ(contents(file("clip")), "old");
-    PendingFile complete(file("clip"));
-    std::fputs("new", complete.stream());
-    complete.close();
-    EXPECT_EQ(contents(file("clip")), "old");
-    complete.publish();
-    EXPECT_EQ(contents(file("clip")), "new");
-    EXPECT_EQ(filesLeft(), 1u);
+}
+
+TEST(SimulateCommand, LeavesNothingBehindWhenTheDiskIsFull) {
+    const tool_test::TestDirectory dir;
+    tool_test::RunOptions smallDisk;
+    smallDisk.fileSizeLimit = 4096;
+    const Arguments arguments{"-o", dir / "clip.mp4", "--truth", dir / "truth.csv"};
+    expectRefusal(runTool(smallClip(arguments), smallDisk), "clip.mp4");
+    EXPECT_EQ(tool_test::namesIn(dir / ""), Arguments{});
 }
 
 }  // namespace

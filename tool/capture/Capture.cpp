@@ -5,12 +5,12 @@
 
 #include "capture/EngineTempDirectory.h"
 #include "capture/FrameFeed.h"
-#include "capture/OutputFiles.h"
 #include "capture/Session.h"
-#include "capture/SignalGuard.h"
 #include "capture/StageTimer.h"
 #include "capture/SweepCsv.h"
+#include "common/OutputFiles.h"
 #include "common/ProgressBar.h"
+#include "common/SignalGuard.h"
 #include "common/ToolError.h"
 
 namespace fs = std::filesystem;

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "capture/Session.h"
-#include "capture/SignalGuard.h"
 #include "capture/Summary.h"
+#include "common/SignalGuard.h"
 #include "media/VideoReader.h"
 
 namespace orbitwalk::tool {

@@ -1,15 +1,17 @@
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 
 #include "commands/Commands.h"
-#include "common/PendingFile.h"
+#include "common/OutputFiles.h"
 #include "common/ProgressBar.h"
+#include "common/SignalGuard.h"
 #include "common/ToolError.h"
 #include "media/VideoWriter.h"
 #include "simulate/Photo.h"
@@ -81,7 +83,8 @@ void refuseSharedNames(const SimulateOptions& options) {
         throw ToolError("the photograph, the clip and the truth need names of their own");
 }
 
-void writeClip(Simulation& simulation, const SimulateOptions& options, PendingFile& clip) {
+void writeClip(Simulation& simulation, const SimulateOptions& options, std::FILE* stream,
+               const SignalGuard& signals) {
     const SimulationSettings& settings = options.settings;
     media::EncoderSettings encoder;
     encoder.width = settings.size.width;
@@ -90,12 +93,13 @@ void writeClip(Simulation& simulation, const SimulateOptions& options, PendingFi
     encoder.quality = options.quality;
     encoder.bitRate = options.bitRate;
     encoder.threads = 4;  // The encoder's output depends on their number, not on the machine's.
-    media::VideoWriter writer(clip.stream(), encoder);
+    media::VideoWriter writer(stream, encoder);
     std::vector<std::uint8_t> frame(simulation.frameBytes());
     ProgressBar bar("Simulating", settings.frames);
     for (int k = 0; k < settings.frames; ++k) {
         simulation.render(k, frame);
         writer.write(frame);
+        signals.check();
         bar.update(k + 1);
     }
     writer.finish();
@@ -111,18 +115,22 @@ PictureMotion extentOf(std::span<const TrueMotion> truth) {
     return {high.x - low.x, high.y - low.y, high.a - low.a};
 }
 
-void report(const Simulation& simulation, const SimulateOptions& options, double seconds) {
+std::string asText(const Simulation& simulation, const SimulateOptions& options, double seconds) {
     const SimulationSettings& settings = options.settings;
     const PictureMotion end = simulation.truth().back().sum;
     const PictureMotion extent = extentOf(simulation.truth());
-    if (!options.json) {
-        std::printf("%s: %d frames of %dx%d, scene at %.2f pixels a pixel, %.1f s\n",
-                    options.clip.c_str(), settings.frames, settings.size.width,
-                    settings.size.height, simulation.photoScale(), seconds);
-        std::printf("picture path: %.1f x %.1f pixels, %.2f degrees; it ends at (%.1f, %.1f)\n",
-                    extent.x, extent.y, extent.a * 180 / CV_PI, end.x, end.y);
-        return;
-    }
+    char numbers[300];
+    std::snprintf(numbers, sizeof numbers,
+                  ": %d frames of %dx%d, scene at %.2f pixels a pixel, %.1f s\n"
+                  "picture path: %.1f x %.1f pixels, %.2f degrees; it ends at (%.1f, %.1f)\n",
+                  settings.frames, settings.size.width, settings.size.height,
+                  simulation.photoScale(), seconds, extent.x, extent.y, extent.a * 180 / CV_PI,
+                  end.x, end.y);
+    return options.clip.string() + numbers;
+}
+
+std::string asJson(const Simulation& simulation, const SimulateOptions& options, double seconds) {
+    const SimulationSettings& settings = options.settings;
     const auto motion = [](const PictureMotion& m) {
         return nlohmann::ordered_json{{"x", m.x}, {"y", m.y}, {"a", m.a}};
     };
@@ -135,10 +143,26 @@ void report(const Simulation& simulation, const SimulateOptions& options, double
                     {"frameRate", {settings.rate.numerator, settings.rate.denominator}},
                     {"seed", settings.seed},
                     {"photoScale", simulation.photoScale()},
-                    {"pathExtent", motion(extent)},
-                    {"pathEnd", motion(end)},
+                    {"pathExtent", motion(extentOf(simulation.truth()))},
+                    {"pathEnd", motion(simulation.truth().back().sum)},
                     {"seconds", seconds}});
-    std::printf("%s\n", summary.dump(2).c_str());
+    // A file name may hold bytes that are not UTF-8; JSON cannot.
+    return summary.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+void writeFiles(Simulation& simulation, const SimulateOptions& options,
+                const SignalGuard& signals) {
+    OutputFiles clip(options.clip.parent_path()), truth(options.truth.parent_path());
+    std::FILE* const stream = clip.create(options.clip.filename());
+    if (!options.truth.empty())
+        writeTruth(simulation.truth(), truth.create(options.truth.filename()));
+    try {
+        writeClip(simulation, options, stream, signals);
+    } catch (const media::MediaError& error) {
+        throw ToolError(options.clip.string() + ": " + error.what());
+    }
+    truth.commit();
+    clip.commit();
 }
 
 void simulate(SimulateOptions options) {
@@ -146,26 +170,15 @@ void simulate(SimulateOptions options) {
     options.settings.size = parseSize(options.size);
     options.settings.rate = parseRate(options.rate);
     refuseSharedNames(options);
+    const SignalGuard signals;
     const cv::Mat3b photo = options.photo.empty() ? cv::Mat3b() : readPhoto(options.photo);
-    PendingFile clip(options.clip);
-    std::optional<PendingFile> truth;
-    if (!options.truth.empty())
-        truth.emplace(options.truth);
     Simulation simulation(options.settings, photo);
-    try {
-        writeClip(simulation, options, clip);
-    } catch (const media::MediaError& error) {
-        throw ToolError(options.clip.string() + ": " + error.what());
-    }
-    clip.close();
-    if (truth) {
-        writeTruth(simulation.truth(), truth->stream());
-        truth->close();
-        truth->publish();
-    }
-    clip.publish();
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-    report(simulation, options, seconds.count());
+    writeFiles(simulation, options, signals);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    const std::string summary = options.json ? asJson(simulation, options, time.count())
+                                             : asText(simulation, options, time.count());
+    if (std::fputs(summary.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
+        throw ToolError(std::string("cannot print the summary: ") + std::strerror(errno));
 }
 
 void addSceneOptions(CLI::App& command, SimulateOptions& options) {

@@ -15,19 +15,19 @@ struct Leaf {
     bool round;
 };
 
-// Radii follow the inverse-cube density that makes the model look the same at every scale.
+// The density of the inverse square: every order of size covers about as many pixels as it has
+// edges to show.
 float leafRadius(cv::RNG& random, double smallest, double largest) {
     const double u = random.uniform(0.0, 1.0);
-    const double inverse = (1 - u) / (smallest * smallest) + u / (largest * largest);
-    return static_cast<float>(1 / std::sqrt(inverse));
+    return static_cast<float>(1 / ((1 - u) / smallest + u / largest));
 }
 
 std::vector<Leaf> scatterLeaves(cv::Size size, cv::RNG& random) {
-    constexpr int pixelsPerLeaf = 250;
+    constexpr int pixelsPerLeaf = 900;
     const double largest = std::max(8.0, std::min(size.width, size.height) / 5.0);
     std::vector<Leaf> leaves(static_cast<std::size_t>(size.area()) / pixelsPerLeaf + 1);
     for (Leaf& leaf : leaves) {
-        const float radius = leafRadius(random, 4, largest);
+        const float radius = leafRadius(random, 6, largest);
         const cv::Point2f centre(random.uniform(0.f, float(size.width)),
                                  random.uniform(0.f, float(size.height)));
         const cv::Size2f sides(2 * radius, 2 * radius * random.uniform(0.4f, 1.f));

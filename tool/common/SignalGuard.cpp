@@ -1,4 +1,4 @@
-#include "capture/SignalGuard.h"
+#include "common/SignalGuard.h"
 
 #include <cstring>
 

@@ -20,7 +20,8 @@ class OutputFiles {
     OutputFiles& operator=(const OutputFiles&) = delete;
 
     /// Begins a file, in a directory that is made with its parents where it does not exist. The
-    /// stream stays open until commit, and this object's. @throws ToolError.
+    /// stream stays open until commit, and this object's. @throws ToolError, also where something
+    /// other than a file has the name.
     std::FILE* create(const std::string& name);
     /// Begins a file and writes all of it. @throws ToolError.
     void write(const std::string& name, std::span<const char> bytes);

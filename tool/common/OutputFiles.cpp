@@ -1,4 +1,4 @@
-#include "capture/OutputFiles.h"
+#include "common/OutputFiles.h"
 
 #include <unistd.h>
 
@@ -14,6 +14,15 @@ namespace {
 
 [[noreturn]] void fail(const fs::path& path, const std::string& reason) {
     throw ToolError("cannot write " + path.string() + ": " + reason);
+}
+
+/// A directory or a device cannot be replaced by a file.
+void requireFileOrNothing(const fs::path& target) {
+    const fs::file_status status = fs::status(target);
+    if (fs::is_directory(status))
+        fail(target, std::strerror(EISDIR));
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        fail(target, "it is no regular file");
 }
 
 /// A hidden name beside the file's own that another process does not use.
@@ -59,6 +68,7 @@ std::FILE* OutputFiles::create(const std::string& name) {
               .temporary = mDirectory / hiddenName(name, ".part-"),
               .former = mDirectory / hiddenName(name, ".former-"),
               .stream = {}};
+    requireFileOrNothing(file.target);
     // "x" refuses a name that exists, be it a link that someone else laid out.
     file.stream.reset(std::fopen(file.temporary.c_str(), "w+bx"));
     if (!file.stream)
@@ -100,8 +110,7 @@ void OutputFiles::closeAll() {
 
 void OutputFiles::putInPlace(File& file) {
     std::error_code error;
-    if (fs::is_directory(file.target))
-        fail(file.target, std::strerror(EISDIR));
+    requireFileOrNothing(file.target);
     if (fs::exists(fs::symlink_status(file.target))) {
         fs::rename(file.target, file.former, error);
         file.replaces = !error;

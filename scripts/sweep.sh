@@ -18,4 +18,3 @@ if [ -z "$video" ]; then
         -o "$video" --truth out/truth.csv
 fi
 build/sweep/orbitwalk capture "$video" -o out/sweep
-build/sweep/orbitwalk inspect out/sweep/sweep.obw

@@ -102,7 +102,7 @@ TEST(HandShake, IsSlowDriftWithALittleTremorAndNothingElse) {
     const double drift = strongest(0.5, 3), tremor = strongest(8, 12);
     EXPECT_GT(tremor, 3 * strongest(5, 7));
     EXPECT_GT(tremor, 3 * strongest(14, 30));
-    EXPECT_GT(drift, 50 * tremor);
+    EXPECT_GT(drift, 10 * tremor);
 }
 
 TEST(CameraPath, SweepsSteadilyAndShakesUpToTheStrengthAsked) {

@@ -19,7 +19,7 @@ struct Wave {
 
 std::vector<Wave> handWaves(cv::RNG& random) {
     constexpr int driftWaves = 8, tremorWaves = 4;
-    constexpr double tremorShare = 0.05;
+    constexpr double tremorShare = 0.2;
     std::vector<Wave> waves;
     for (int i = 0; i < driftWaves; ++i) {
         const double frequency = random.uniform(0.5, 3.0);

@@ -6,7 +6,7 @@
 namespace orbitwalk::tool {
 
 /// One axis of a hand that holds a camera, a value a frame: slow drift of 0.5 to 3 Hz, stronger the
-/// slower, and a physiological tremor of 8 to 12 Hz a twentieth as large. Sines of random frequency
+/// slower, and a physiological tremor of 8 to 12 Hz a fifth as large. Sines of random frequency
 /// and phase, scaled so that the largest value's magnitude is peak.
 std::vector<double> handShake(int frames, double framesPerSecond, double peak, cv::RNG random);
 

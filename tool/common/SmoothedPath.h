@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "common/SweepTable.h"
+
+namespace orbitwalk::tool {
+
+/// Pixels of the full-size frame, x right, y down; radians.
+struct PathPosition {
+    double x = 0;
+    double y = 0;
+    double a = 0;
+};
+
+/// The paths inside the engine, which the record does not hold, by the engine's own code.
+struct SmoothedPath {
+    int reference = -1;  ///< First frame that stop selects, -1 when there is none.
+    /// Frames that the points belong to: those selected after the reference. Empty when there are
+    /// none; then each path is the one point that stop sends in their place.
+    std::vector<int> frames;
+    std::vector<PathPosition> measured;  ///< The picture relative to the reference frame.
+    std::vector<PathPosition> gaussian;
+    /// What the stabiliser follows. The correction of the v-th selected frame (the reference is the
+    /// 0th) is smoothed[v] minus the frame's measured position, which is 0 for the reference; the
+    /// last selected frame repeats the one before it.
+    std::vector<PathPosition> smoothed;
+    /// Run of the feedback search that kept enough picture, 0 (smoothest) to 10; none: the engine
+    /// fell back to no correction.
+    std::optional<int> feedbackStep;
+    int minX = 0;  ///< Crop bounds, as the engine has them before it writes x, y, width, height.
+    int maxX = 0;
+    int minY = 0;
+    int maxY = 0;
+};
+
+/// What the engine makes of a sweep at stop and after it.
+/// @param path         as handed to stop, one row a frame.
+/// @param first, last  range to render, inclusive; frames with flag 1 inside it are selected.
+SmoothedPath smoothedPath(std::span<const SweepRow> path, int first, int last, int width,
+                          int height);
+
+}  // namespace orbitwalk::tool

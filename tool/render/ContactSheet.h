@@ -1,0 +1,19 @@
+#pragma once
+
+#include <opencv2/core/mat.hpp>
+
+#include "render/Sweep.h"
+
+namespace orbitwalk::tool {
+
+inline constexpr int kSheetColumns = 6;
+
+/// Evenly chosen from the sweep's frames, the first and the last among them, without border
+/// frames; all of them where there are fewer.
+std::vector<Shot> sheetShots(const RecordReader& record, int columns);
+
+/// One column a frame: as recorded above, as a player shows it below, each with a caption.
+/// @throws ToolError, MediaError: see ShotReader.
+cv::Mat3b contactSheet(const Sweep& sweep, int columns = kSheetColumns);
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,111 @@
+#include "render/PanoramaLayout.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "common/ToolError.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+constexpr double kLongestSide = 16384;
+constexpr double kMostPixels = 40e6;
+constexpr double kSmallestScale = 0.1;
+
+struct Extent {
+    double left = std::numeric_limits<double>::infinity();
+    double top = left;
+    double right = -left;
+    double bottom = -left;
+
+    double width() const { return right - left; }
+    double height() const { return bottom - top; }
+};
+
+void include(Extent& extent, PicturePoint point) {
+    extent.left = std::min(extent.left, point.x);
+    extent.right = std::max(extent.right, point.x);
+    extent.top = std::min(extent.top, point.y);
+    extent.bottom = std::max(extent.bottom, point.y);
+}
+
+/// The outer edges of the crop rectangle's pixels.
+Extent cropExtent(const CropRectangle& crop, const Affine& map) {
+    const double left = crop.x - 0.5, right = left + crop.width;
+    const double top = crop.y - 0.5, bottom = top + crop.height;
+    Extent extent;
+    for (const PicturePoint corner :
+         std::array<PicturePoint, 4>{{{left, top}, {right, top}, {left, bottom}, {right, bottom}}})
+        include(extent, map(corner));
+    return extent;
+}
+
+double canvasScale(const Extent& scene) {
+    const double width = scene.width();
+    const double height = scene.height();
+    const double scale = std::min({1.0, kLongestSide / width, kLongestSide / height,
+                                   std::sqrt(kMostPixels / (width * height))});
+    if (!(scale >= kSmallestScale))
+        throw ToolError("no panorama: the sweep spans " + std::to_string(std::llround(width)) +
+                        "x" + std::to_string(std::llround(height)) +
+                        " pixels, which cannot be its true path");
+    return scale;
+}
+
+cv::Rect pixelBounds(const Extent& extent, cv::Size canvas) {
+    const cv::Point from(cvFloor(extent.left + 0.5), cvFloor(extent.top + 0.5));
+    const cv::Point to(cvCeil(extent.right + 0.5), cvCeil(extent.bottom + 0.5));
+    return cv::Rect(from, to) & cv::Rect({}, canvas);
+}
+
+}  // namespace
+
+std::vector<Affine> framesFromScene(std::span<const SweepRow> path) {
+    std::vector<Affine> maps;
+    Affine map;
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        if (i > 0) {
+            const double angle = static_cast<double>(path[i].a) - path[i - 1].a;
+            const double c = std::cos(angle);
+            const double s = std::sin(angle);
+            map = Affine{c, -s, static_cast<double>(path[i].x) - path[i - 1].x,
+                         s, c,  static_cast<double>(path[i].y) - path[i - 1].y} *
+                  map;
+        }
+        maps.push_back(map);
+    }
+    return maps;
+}
+
+PanoramaLayout layOut(const RecordReader& record, std::span<const Shot> shots,
+                      std::span<const SweepRow> path) {
+    const std::vector<Affine> frames = framesFromScene(path);
+    std::vector<Affine> scenesFromPicture;
+    Extent scene;
+    for (const Shot& shot : shots) {
+        // Relative to the first frame shown, so that a roll before the sweep does not tilt it all.
+        const Affine sceneFromFrame = frames[shots.front().frame] * inverse(frames[shot.frame]);
+        scenesFromPicture.push_back(sceneFromFrame * shot.frameFromPicture);
+        const Extent own = cropExtent(record.crop(), scenesFromPicture.back());
+        include(scene, {own.left, own.top});
+        include(scene, {own.right, own.bottom});
+    }
+    PanoramaLayout layout;
+    layout.scale = canvasScale(scene);
+    layout.canvas = {std::max(1, cvRound(scene.width() * layout.scale)),
+                     std::max(1, cvRound(scene.height() * layout.scale))};
+    const Affine canvasFromScene =
+        enlargement(layout.scale, layout.scale) * translation(-scene.left - 0.5, -scene.top - 0.5);
+    for (std::size_t i = 0; i < shots.size(); ++i) {
+        const Affine map = canvasFromScene * scenesFromPicture[i];
+        layout.placements.push_back(
+            {shots[i], map, pixelBounds(cropExtent(record.crop(), map), layout.canvas)});
+    }
+    return layout;
+}
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,89 @@
+#include "render/SteadyVideo.h"
+
+#include <algorithm>
+#include <opencv2/core/utility.hpp>
+#include <thread>
+
+#include "media/VideoWriter.h"
+#include "render/FramePlanes.h"
+#include "render/FrameWarp.h"
+#include "render/OneThreadEach.h"
+#include "render/OrderedPipeline.h"
+#include "render/SideBySide.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+using Pixels = std::vector<std::uint8_t>;
+
+Pixels warped(const Pixels& frame, cv::Size size, const Affine& frameFromOutput) {
+    Pixels output(frame.size());
+    warpFrame(frame, size, frameFromOutput, output);
+    return output;
+}
+
+Pixels recorded(const Pixels& frame, const Sweep& sweep) {
+    return sweep.record.isFlipped() ? warped(frame, sweep.size(), uncorrected(sweep.record))
+                                    : frame;
+}
+
+media::EncoderSettings encoderSettings(const SteadySettings& settings, cv::Size size,
+                                       media::FrameRate rate) {
+    media::EncoderSettings encoder;
+    encoder.width = size.width;
+    encoder.height = size.height;
+    encoder.frameRate = rate;
+    encoder.quality = settings.quality;
+    encoder.bitRate = settings.bitRate;
+    encoder.threads = 4;  // The encoder's output depends on their number, not on the machine's.
+    return encoder;
+}
+
+SteadyVideo summary(const std::vector<Shot>& shots, cv::Size frame, cv::Size size) {
+    SteadyVideo video;
+    video.size = size;
+    for (const Shot& shot : shots) {
+        if (shot.kind != ShotKind::Sweep) {
+            ++(shot.kind == ShotKind::LeftBorder ? video.leftBorderFrames
+                                                 : video.rightBorderFrames);
+            continue;
+        }
+        ++video.sweepFrames;
+        const std::int64_t missing = missingPixels(frame, shot.frameFromOutput);
+        video.missingPixels += missing;
+        video.incompleteFrames += missing != 0;
+    }
+    return video;
+}
+
+}  // namespace
+
+SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings, std::FILE* stream,
+                             const std::function<void(int)>& progress) {
+    const std::vector<Shot> shots = playlist(sweep.record, settings.borderFrames);
+    const cv::Size size = settings.compare ? pairSize(sweep.size()) : sweep.size();
+    const int workers = workerCount(settings.threads);
+    ShotReader reader(sweep, shots);
+    media::VideoWriter writer(stream, encoderSettings(settings, size, reader.frameRate()));
+    int written = 0;
+    const OneThreadEach guard;
+    OrderedPipeline<ShotFrame, Pixels> pipeline(
+        {[&] { return reader.next(); },
+         [&](const ShotFrame& shown) {
+             Pixels steady = warped(*shown.frame, sweep.size(), shown.shot.frameFromOutput);
+             return settings.compare
+                        ? sideBySide(recorded(*shown.frame, sweep), steady, sweep.size())
+                        : steady;
+         },
+         [&](const Pixels& frame) {
+             writer.write(frame);
+             progress(++written);
+         }},
+        workers, 2 * workers + 2);
+    pipeline.run();
+    writer.finish();
+    return summary(shots, sweep.size(), size);
+}
+
+}  // namespace orbitwalk::tool

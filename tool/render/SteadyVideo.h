@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdio>
+#include <functional>
+
+#include "render/Sweep.h"
+
+namespace orbitwalk::tool {
+
+struct SteadySettings {
+    bool borderFrames = true;
+    bool compare = false;      ///< The frames as recorded on the left, stabilised on the right.
+    int quality = 18;          ///< Constant rate factor, used when bitRate is 0.
+    std::int64_t bitRate = 0;  ///< Bits per second.
+    int threads = 0;           ///< For warping; 0: as many as the machine has cores.
+};
+
+struct SteadyVideo {
+    cv::Size size;
+    int leftBorderFrames = 0;
+    int sweepFrames = 0;
+    int rightBorderFrames = 0;
+    std::int64_t missingPixels = 0;  ///< Of the sweep's frames, see missingPixels.
+    int incompleteFrames = 0;        ///< Of them: frames with missing pixels.
+
+    int frames() const { return leftBorderFrames + sweepFrames + rightBorderFrames; }
+};
+
+/// Plays a sweep into an MP4 as a player would show it. The same sweep and settings give the same
+/// bytes, whatever the number of threads.
+/// @param stream    seekable.
+/// @param progress  told the number of frames written so far.
+/// @throws ToolError, MediaError: see ShotReader and VideoWriter.
+SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings, std::FILE* stream,
+                             const std::function<void(int)>& progress);
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,139 @@
+#include "render/FrameWarp.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "common/SmoothedPath.h"
+#include "render/FramePlanes.h"
+#include "tool/AnalyticSweep.h"
+
+namespace orbitwalk::tool {
+namespace {
+
+const cv::Size kSize(320, 240);
+
+std::vector<std::uint8_t> warp(const std::vector<std::uint8_t>& frame, const Affine& map) {
+    std::vector<std::uint8_t> output(frame.size());
+    warpFrame(frame, kSize, map, output);
+    return output;
+}
+
+/// Largest difference of a plane from a function of its samples' luma coordinates.
+template <typename Expected>
+double largestError(const cv::Mat1b& plane, const Affine& lumaFromSample, Expected expected) {
+    double worst = 0;
+    for (int j = 0; j < plane.rows; ++j)
+        for (int i = 0; i < plane.cols; ++i)
+            worst = std::max(
+                worst, std::abs(plane(j, i) - expected(lumaFromSample({double(i), double(j)}))));
+    return worst;
+}
+
+// Positions are resolved to 1/32 px, where luma rises by up to 8 levels a pixel, the kernel's own
+// error is about one level, and samples are rounded twice.
+TEST(FrameWarp, ShowsTheSceneWhereTheMapPointsInAllPlanes) {
+    const double angle = 0.02;
+    const double c = 0.85 * std::cos(angle), s = 0.85 * std::sin(angle);
+    const auto frame = tool_test::sceneFrame(320, 240, 0, 0);
+    for (const Affine& map : {Affine{c, -s, 23.3, s, c, 11.6}, Affine{-c, s, 290.2, s, c, 14.4}}) {
+        const auto output = warp(frame, map);
+        const FramePlanes planes = planesOf(std::span(output), kSize);
+        const auto scene = [&](auto plane) {
+            return [&map, plane](PicturePoint p) {
+                const PicturePoint from = map(p);
+                return tool_test::sceneAt(from.x, from.y).*plane;
+            };
+        };
+        EXPECT_LT(largestError(planes.y, {}, scene(&tool_test::SceneColour::y)), 2);
+        EXPECT_LT(largestError(planes.cb, kLumaFromColour, scene(&tool_test::SceneColour::cb)),
+                  1.5);
+        EXPECT_LT(largestError(planes.cr, kLumaFromColour, scene(&tool_test::SceneColour::cr)),
+                  1.5);
+    }
+}
+
+/// Luma column at which a row of samples crosses 128.
+double edgeOf(const cv::Mat1b& plane, int row, const Affine& lumaFromSample) {
+    for (int i = 0; i + 1 < plane.cols; ++i) {
+        const double here = plane(row, i) - 128.0, next = plane(row, i + 1) - 128.0;
+        if (here * next <= 0 && here != next)
+            return lumaFromSample({i + here / (here - next), 0}).x;
+    }
+    return NAN;
+}
+
+TEST(FrameWarp, MovesTheEdgesOfLumaAndColourTogether) {
+    std::vector<std::uint8_t> frame(frameBytes(kSize), 128);
+    FramePlanes planes = planesOf(std::span(frame), kSize);
+    const auto edge = [](double x) {
+        return cv::saturate_cast<uchar>(128 + 80 * std::tanh((x - 150) / 4));
+    };
+    for (int j = 0; j < planes.y.rows; ++j)
+        for (int i = 0; i < planes.y.cols; ++i)
+            planes.y(j, i) = edge(i);
+    for (int j = 0; j < planes.cb.rows; ++j)
+        for (int i = 0; i < planes.cb.cols; ++i)
+            planes.cb(j, i) = edge(2 * i);
+    const Affine mirrored{-1, 0, 319, 0, 1, 0}, enlarged{0.8, 0, 30, 0, 0.8, 20};
+    for (const Affine& map : {mirrored, enlarged, mirrored * enlarged, translation(0.5, 0.5)}) {
+        const auto output = warp(frame, map);
+        const FramePlanes shown = planesOf(std::span(output), kSize);
+        const double expected = inverse(map)({150, 0}).x;
+        EXPECT_NEAR(edgeOf(shown.y, 100, {}), expected, 0.1);
+        EXPECT_NEAR(edgeOf(shown.cb, 50, kLumaFromColour), expected, 0.2);
+    }
+}
+
+TEST(FrameWarp, ContinuesTheFrameBeyondItsEdges) {
+    const std::vector<std::uint8_t> grey(frameBytes(kSize), 90);
+    EXPECT_EQ(warp(grey, translation(-500, 120)), grey);
+}
+
+TEST(MissingPixels, CountsPointsMoreThanAPixelOutside) {
+    EXPECT_EQ(missingPixels(kSize, {}), 0);
+    EXPECT_EQ(missingPixels(kSize, translation(-1, 1)), 0);
+    EXPECT_EQ(missingPixels(kSize, translation(-3, 0)), 2 * 240);
+    EXPECT_EQ(missingPixels(kSize, translation(0, 4.5)), 4 * 320);
+    EXPECT_EQ(missingPixels(kSize, translation(3, 4)), 2 * 240 + 3 * 320 - 2 * 3);
+    EXPECT_EQ(missingPixels(kSize, translation(1000, 0)), 320 * 240);
+}
+
+/// A sweep of 60 frames with shake and roll.
+std::vector<SweepRow> shakySweep() {
+    std::vector<SweepRow> rows;
+    for (int i = 0; i < 60; ++i) {
+        const auto t = static_cast<float>(i);
+        rows.push_back({-5 * t + 4 * std::sin(1.7f * t), 3 * std::cos(1.3f * t),
+                        0.004f * std::sin(0.9f * t), 1, false});
+    }
+    return rows;
+}
+
+// The smoothing is the engine's, the corrections are applied here by their definition.
+TEST(MissingPixels, AreNoneInsideTheCropOfTheStabiliser) {
+    const auto rows = shakySweep();
+    const auto path = smoothedPath(rows, 0, 59, kSize.width, kSize.height);
+    ASSERT_TRUE(path.feedbackStep);
+    const double scale = (path.maxX - path.minX) / 320.0;
+    const Affine crop =
+        translation(path.minX, path.minY) * enlargement(scale, (path.maxY - path.minY) / 240.0);
+    EXPECT_LT(scale, 1);
+    std::int64_t whole = 0;
+    PathPosition measured;
+    for (std::size_t v = 0; v < path.frames.size(); ++v) {
+        const double x = path.smoothed[v].x - measured.x, y = path.smoothed[v].y - measured.y;
+        const double a = path.smoothed[v].a - measured.a;
+        const Affine frameFromPicture =
+            inverse(Affine{std::cos(a), -std::sin(a), x, std::sin(a), std::cos(a), y});
+        EXPECT_EQ(missingPixels(kSize, frameFromPicture * crop), 0) << v;
+        whole += missingPixels(kSize, frameFromPicture);
+        measured = path.measured[v];
+    }
+    EXPECT_GT(whole, 0);
+}
+
+}  // namespace
+}  // namespace orbitwalk::tool

@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "media/VideoReader.h"
+#include "tool/AnalyticSweep.h"
+#include "tool/RunTool.h"
+#include "tool/TestDirectory.h"
+
+namespace tool_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class RenderCommand : public testing::Test {
+  protected:
+    RenderCommand() { sweep.write(input); }
+
+    ToolRun render(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), {"render", input.string()});
+        return runTool(arguments);
+    }
+
+    const AnalyticSweep sweep{};
+    const TestDirectory directory;
+    const fs::path input = directory / "sweep";
+    const std::string video = (directory / "out.mp4").string();
+};
+
+std::vector<std::vector<std::uint8_t>> decode(const fs::path& file, int width, int height) {
+    orbitwalk::media::VideoReader reader(file);
+    EXPECT_EQ(reader.width(), width);
+    EXPECT_EQ(reader.height(), height);
+    std::vector<std::vector<std::uint8_t>> frames;
+    for (std::vector<std::uint8_t> frame; reader.read(frame);)
+        frames.push_back(frame);
+    return frames;
+}
+
+/// Mean difference of a frame's luma from the scene window whose crop it shows, 1.25 times
+/// enlarged.
+double lumaError(const std::vector<std::uint8_t>& frame, double sceneLeft, double sceneTop) {
+    double sum = 0;
+    for (int y = 0; y < 240; ++y)
+        for (int x = 0; x < 320; ++x) {
+            const double px = sceneLeft + 32 + (x + 0.5) * 0.8 - 0.5;
+            const double py = sceneTop + 24 + (y + 0.5) * 0.8 - 0.5;
+            sum += std::abs(frame[y * 320 + x] - sceneAt(px, py).y);
+        }
+    return sum / (320 * 240);
+}
+
+TEST_F(RenderCommand, PlaysBorderFramesAndTheSteadySweep) {
+    const ToolRun run = render({"-o", video});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("13 frames of 320x240 (2 before the sweep, 9 of it, 2 after)"),
+              std::string::npos)
+        << run.out;
+    EXPECT_EQ(run.err, "");
+    const auto frames = decode(video, 320, 240);
+    ASSERT_EQ(frames.size(), 13u);
+    const double lefts[] = {-16, -8, 0, 8, 16, 24, 40, 48, 56, 64, 72, 80, 88};
+    const double tops[] = {0, 0, 0, 1, 2, 3, 5, 6, 7, 8, 9, 9, 9};
+    for (int i = 0; i < 13; ++i)
+        EXPECT_LT(lumaError(frames[i], lefts[i], tops[i]), 3) << i;
+}
+
+TEST_F(RenderCommand, GivesTheSameBytesWithAnyNumberOfThreads) {
+    const std::string other = (directory / "other.mp4").string();
+    ASSERT_EQ(render({"-o", video, "--threads", "1", "--no-border-frames"}).exitCode, 0);
+    ASSERT_EQ(render({"-o", other, "--threads", "3", "--no-border-frames"}).exitCode, 0);
+    EXPECT_EQ(decode(video, 320, 240).size(), 9u);
+    EXPECT_TRUE(contentOf(video) == contentOf(other));
+}
+
+TEST_F(RenderCommand, PutsTheRecordedFramesOnTheLeft) {
+    ASSERT_EQ(render({"-o", video, "--compare", "--quality", "4"}).exitCode, 0);
+    const auto frames = decode(video, 640, 240);
+    ASSERT_EQ(frames.size(), 13u);
+    double sum = 0;  // of the left half of the sweep's second frame
+    for (int y = 0; y < 240; ++y)
+        for (int x = 0; x < 320; ++x)
+            sum += std::abs(frames[3][y * 640 + x] -
+                            sceneAt(AnalyticSweep::left(1) + x, AnalyticSweep::top(1) + y).y);
+    EXPECT_LT(sum / (320 * 240), 3);
+}
+
+/// Width and height in a PNG file's header.
+std::pair<int, int> pngSize(const fs::path& file) {
+    const std::string bytes = contentOf(file);
+    EXPECT_EQ(bytes.substr(0, 8), "\x89PNG\r\n\x1a\n");
+    const auto number = [&](std::size_t offset) {
+        int value = 0;
+        for (std::size_t i = offset; i < offset + 4; ++i)
+            value = value * 256 + static_cast<unsigned char>(bytes.at(i));
+        return value;
+    };
+    return {number(16), number(20)};
+}
+
+TEST_F(RenderCommand, WritesStripAndPanorama) {
+    const fs::path strip = directory / "strip.png", panorama = directory / "panorama.png";
+    // OpenCV's picture codecs load a library that takes its own two locks in either order.
+    const ToolRun run = runTool({"render", input, "--strip", strip, "--panorama", panorama},
+                                {.environment = {{"TSAN_OPTIONS", "detect_deadlocks=0"}},
+                                 .fileSizeLimit = {},
+                                 .signalAfter = {}});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(pngSize(panorama), std::pair(360, 201));
+    // Six columns and two rows of 320x240, with gaps of 6 and captions of 20 pixels.
+    EXPECT_EQ(pngSize(strip), std::pair(6 * 326 + 6, 2 * 266 + 6));
+}
+
+TEST_F(RenderCommand, RefusesWhatDoesNotBelongTogetherInOneLineAndLeavesNothing) {
+    struct Case {
+        const char* what;
+        std::function<void()> damage;
+        std::vector<std::string> arguments;
+        const char* complaint;
+    };
+    const auto record = [&](auto change) {
+        auto changed = sweep.record();
+        change(changed);
+        sweep.writeRecord(input / "sweep.obw", changed);
+    };
+    const std::string picture = (directory / "p.png").string();
+    const Case cases[] = {
+        {"frame count",
+         [&] { sweep.writeVideo(input / "sweep.mp4", 9); },
+         {"-o", video},
+         "the video has 9 frames, its record says 10"},
+        {"more frames",
+         [&] { sweep.writeVideo(input / "sweep.mp4", 12); },
+         {"--strip", picture},
+         "the video has 12 frames, its record says 10"},
+        {"size",
+         [&] { record([](auto& r) { r.width = 400; }); },
+         {"-o", video},
+         "the video is 320x240, its record says 400x240"},
+        {"no record",
+         [&] { writeFile(input / "sweep.obw", "short"); },
+         {"-o", video},
+         "not a motion record"},
+        {"nothing rendered",
+         [&] { record([](auto& r) { r.startIndex = 9, r.endIndex = 2; }); },
+         {"-o", video},
+         "renders no frame"},
+        {"no video",
+         [&] { writeFile(input / "sweep.mp4", "not a video"); },
+         {"-o", video},
+         "sweep.mp4"},
+        {"no path",
+         [&] { fs::remove(input / "sweep.csv"); },
+         {"-o", video, "--panorama", picture},
+         "sweep.csv: No such file"},
+        {"short path",
+         [&] { writeFile(input / "sweep.csv", "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n"); },
+         {"--panorama", picture},
+         "it has 1 frames, the record says 10"},
+        {"own input", [] {}, {"-o", (input / "sweep.mp4").string()}, "that name is taken"},
+        {"same name", [] {}, {"-o", video, "--strip", video}, "that name is taken"},
+        {"directory", [] {}, {"--strip", input.string()}, "cannot write"},
+        {"no output", [] {}, {}, "nothing to render"},
+        {"no directory", [] {}, {"-o", (input / "sweep.csv" / "out.mp4").string()}, "cannot write"},
+    };
+    for (const Case& c : cases) {
+        sweep.write(input);
+        c.damage();
+        const ToolRun run = render(c.arguments);
+        EXPECT_EQ(run.exitCode, 1) << c.what;
+        EXPECT_NE(run.err.find(c.complaint), std::string::npos) << c.what << ": " << run.err;
+        EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
+        EXPECT_EQ(namesIn(directory / ""), std::vector<std::string>{"sweep"}) << c.what;
+    }
+}
+
+TEST_F(RenderCommand, WarnsOfPixelsThatWereNeverRecorded) {
+    auto record = sweep.record();
+    const std::int32_t whole[4] = {0, 0, 320, 240};
+    std::copy(whole, whole + 4, record.cropParam);
+    sweep.writeRecord(input / "sweep.obw", record);
+    const ToolRun run = render({"-o", video});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_NE(run.err.find("warning"), std::string::npos);
+    EXPECT_NE(run.err.find("lie inside the crop but outside what was recorded"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace tool_test

@@ -1,8 +1,8 @@
-# OpenCV's modules as targets OrbitwalkOpenCV::core, ::imgproc, ::video and, where present, ::imgcodecs.
+# OpenCV's modules as targets OrbitwalkOpenCV::core, ::imgproc, ::video and, where present, ::imgcodecs and ::calib3d.
 # Debian splits OpenCV by module, and its package configuration needs all of them installed; the engine
 # needs three. So the configuration of an SDK is used where there is one, the libraries themselves otherwise.
-find_package(OpenCV 4.6 QUIET CONFIG OPTIONAL_COMPONENTS core imgproc video imgcodecs)
-foreach(module core imgproc video imgcodecs)
+find_package(OpenCV 4.6 QUIET CONFIG OPTIONAL_COMPONENTS core imgproc video imgcodecs calib3d)
+foreach(module core imgproc video imgcodecs calib3d)
     if(TARGET opencv_${module})
         add_library(OrbitwalkOpenCV::${module} ALIAS opencv_${module})
     else()

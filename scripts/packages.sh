@@ -3,10 +3,12 @@
 packages_build=(
     g++ cmake ninja-build pkg-config git
     libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev libopencv-imgcodecs-dev
+    libopencv-calib3d-dev
     libavcodec-dev libavformat-dev libavutil-dev libswscale-dev
     libspdlog-dev libcli11-dev nlohmann-json3-dev
 )
 packages_demo=(lomiri-wallpapers-16.04)
+packages_quality=(ffmpeg)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils)
 
 # install_packages NAME...: installs what is missing; asks for nothing when all is there.

@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
     orbitwalk::tool::addSimulateCommand(app);
     orbitwalk::tool::addCaptureCommand(app);
     orbitwalk::tool::addInspectCommand(app);
+    orbitwalk::tool::addEvaluateCommand(app);
     orbitwalk::tool::addRenderCommand(app);
     try {
         app.parse(argc, argv);

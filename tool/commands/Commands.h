@@ -10,6 +10,7 @@ namespace orbitwalk::tool {
 void addSimulateCommand(CLI::App& app);
 void addCaptureCommand(CLI::App& app);
 void addInspectCommand(CLI::App& app);
+void addEvaluateCommand(CLI::App& app);
 void addRenderCommand(CLI::App& app);
 
 }  // namespace orbitwalk::tool

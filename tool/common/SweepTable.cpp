@@ -1,13 +1,13 @@
 #include "common/SweepTable.h"
 
 #include <cerrno>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 #include <string>
 
+#include "common/CsvFields.h"
 #include "common/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -15,25 +15,6 @@ namespace orbitwalk::tool {
 namespace {
 
 constexpr std::string_view kHeader = "frame,x,y,a,flag,repeated";
-
-std::string_view takeLine(std::string_view& text) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    if (line.ends_with('\r'))
-        line.remove_suffix(1);
-    return line;
-}
-
-/// Cuts the next field off the line. @return whether it is a number of the wanted kind.
-template <typename Number>
-bool takeField(std::string_view& line, Number& value) {
-    const std::size_t comma = std::min(line.find(','), line.size());
-    const char* end = line.data() + comma;
-    const auto [stop, error] = std::from_chars(line.data(), end, value);
-    line.remove_prefix(std::min(comma + 1, line.size()));
-    return error == std::errc{} && stop == end;
-}
 
 bool parseRow(std::string_view line, int frame, SweepRow& row) {
     int number = 0;

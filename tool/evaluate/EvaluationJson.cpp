@@ -1,0 +1,78 @@
+#include <nlohmann/json.hpp>
+
+#include "evaluate/Evaluation.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json sweepJson(const SweepFacts& sweep) {
+    return {{"frames", sweep.frames},
+            {"renderedFrames", sweep.renderedFrames},
+            {"keptView", sweep.keptView},
+            {"missingPixels", sweep.missingPixels},
+            {"missingBorderPixels", sweep.missingBorderPixels},
+            {"meanCorrectionPixels", {{"x", sweep.meanCorrectionX}, {"y", sweep.meanCorrectionY}}},
+            {"largestCorrectionPixels", sweep.largestCorrection},
+            {"largestTurnDegrees", sweep.largestTurn}};
+}
+
+Json axisJson(const AxisError& error) {
+    return {{"rms", error.rms}, {"max", error.max}};
+}
+
+Json pathJson(const PathError& path) {
+    return {{"xPixels", axisJson(path.x)},
+            {"yPixels", axisJson(path.y)},
+            {"angleDegrees", axisJson(path.angle)},
+            {"stepXPixels", axisJson(path.stepX)},
+            {"stepYPixels", axisJson(path.stepY)},
+            {"stepAngleDegrees", axisJson(path.stepAngle)},
+            {"travelledPixels", path.travelled},
+            {"driftPer100Pixels", {{"along", path.driftAlong}, {"across", path.driftAcross}}},
+            {"repeatedShare", path.repeatedShare}};
+}
+
+Json residualJson(const ResidualMotion& residual) {
+    return {{"xPixels", residual.x},
+            {"yPixels", residual.y},
+            {"angleDegrees", residual.angle},
+            {"unmeasured", residual.unmeasured}};
+}
+
+Json sourceJson(const SourceComparison& source) {
+    return {{"residualMotion", residualJson(source.residual)},
+            {"keptView", source.kept},
+            {"leastKeptView", source.leastKept},
+            {"beyondSource", source.beyond},
+            {"mostBeyondSource", source.mostBeyond},
+            {"missingPixels", source.missingPixels},
+            {"sharpness", source.sharpness},
+            {"unregistered", source.unregistered}};
+}
+
+Json videoJson(const VideoQuality& video) {
+    Json json{{"frames", video.frames},           {"width", video.size.width},
+              {"height", video.size.height},      {"residualMotion", residualJson(video.residual)},
+              {"blackPixels", video.blackPixels}, {"framesWithBlack", video.framesWithBlack}};
+    if (video.source)
+        json["source"] = sourceJson(*video.source);
+    return json;
+}
+
+}  // namespace
+
+Json toJson(const Evaluation& evaluation) {
+    Json json = Json::object();
+    if (evaluation.sweep)
+        json["sweep"] = sweepJson(*evaluation.sweep);
+    if (evaluation.path)
+        json["path"] = pathJson(*evaluation.path);
+    if (evaluation.video)
+        json["video"] = videoJson(*evaluation.video);
+    return json;
+}
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <opencv2/core/mat.hpp>
+#include <vector>
+
+#include "media/VideoReader.h"
+
+namespace orbitwalk::tool {
+
+/// Brightness of a video's frames, one after the other. One thread at a time.
+class LumaVideo {
+  public:
+    /// @throws MediaError, as all of it.
+    explicit LumaVideo(const std::filesystem::path& file);
+
+    cv::Size size() const { return {mVideo.width(), mVideo.height()}; }
+    std::int64_t expectedFrames() const { return mVideo.expectedFrames(); }
+    /// Decodes the next frame. @return false at the end.
+    bool next();
+    /// The last one decoded; overwritten by the next.
+    const cv::Mat1b& frame() const { return mLuma; }
+    int framesRead() const { return mFramesRead; }
+
+  private:
+    media::VideoReader mVideo;
+    std::vector<std::uint8_t> mPixels;
+    cv::Mat1b mLuma;
+    int mFramesRead = 0;
+};
+
+}  // namespace orbitwalk::tool

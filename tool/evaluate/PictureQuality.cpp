@@ -1,0 +1,72 @@
+#include "evaluate/PictureQuality.h"
+
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+#include <set>
+
+namespace orbitwalk::tool {
+
+namespace {
+
+cv::Matx23d matrixOf(const Affine& m) {
+    return {m.xx, m.xy, m.x0, m.yx, m.yy, m.y0};
+}
+
+double gradientRms(const cv::Mat1b& picture, const cv::Mat1b& mask) {
+    cv::Mat1f dx, dy;
+    cv::Sobel(picture, dx, CV_32F, 1, 0);
+    cv::Sobel(picture, dy, CV_32F, 0, 1);
+    return std::sqrt(cv::mean(dx.mul(dx) + dy.mul(dy), mask)[0]);
+}
+
+std::set<int> labelsAtEdge(const cv::Mat1i& labels) {
+    std::set<int> found;
+    for (const cv::Mat& edge : {cv::Mat(labels.row(0)), cv::Mat(labels.row(labels.rows - 1)),
+                                cv::Mat(labels.col(0)), cv::Mat(labels.col(labels.cols - 1))})
+        found.insert(edge.begin<int>(), edge.end<int>());
+    found.erase(0);
+    return found;
+}
+
+}  // namespace
+
+std::optional<double> relativeSharpness(const cv::Mat1b& picture, const cv::Mat1b& source,
+                                        const Affine& sourceFromPicture) {
+    const cv::Matx23d matrix = matrixOf(sourceFromPicture);
+    cv::Mat1b shown, common;
+    cv::warpAffine(source, shown, matrix, picture.size(),
+                   cv::INTER_LANCZOS4 | cv::WARP_INVERSE_MAP);
+    cv::warpAffine(cv::Mat1b(source.size(), 255), common, matrix, picture.size(),
+                   cv::INTER_NEAREST | cv::WARP_INVERSE_MAP);
+    // Away from the seams: an interpolation reaches four pixels, the gradient one more.
+    cv::erode(common, common, cv::getStructuringElement(cv::MORPH_RECT, {15, 15}));
+    const double possible = gradientRms(shown, common);
+    return possible > 0 ? std::make_optional(gradientRms(picture, common) / possible)
+                        : std::nullopt;
+}
+
+std::int64_t blackBorderPixels(const cv::Mat1b& luma) {
+    constexpr int black = 18, smallestRegion = 64;
+    cv::Mat1i labels, stats;
+    cv::Mat centres;
+    cv::connectedComponentsWithStats(luma <= black, labels, stats, centres, 4);
+    std::int64_t pixels = 0;
+    for (const int label : labelsAtEdge(labels)) {
+        const int area = stats(label, cv::CC_STAT_AREA);
+        pixels += area >= smallestRegion ? area : 0;
+    }
+    return pixels;
+}
+
+std::int64_t missingBorderPixels(const cv::Mat1b& picture, const cv::Mat1b& source,
+                                 const Affine& sourceFromPicture) {
+    constexpr int dark = 40;
+    cv::Mat1b shown;
+    cv::warpAffine(source, shown, matrixOf(sourceFromPicture), picture.size(),
+                   cv::INTER_NEAREST | cv::WARP_INVERSE_MAP, cv::BORDER_CONSTANT, 255);
+    cv::Mat1b unexplained = picture.clone();
+    unexplained.setTo(255, shown <= dark);
+    return blackBorderPixels(unexplained);
+}
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,54 @@
+#include "evaluate/SweepFacts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "render/FrameWarp.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+/// Where the correction moves the frame's centre.
+PicturePoint correctionOfCentre(const Affine& frameFromPicture, cv::Size size) {
+    const PicturePoint centre{(size.width - 1) / 2.0, (size.height - 1) / 2.0};
+    const PicturePoint moved = inverse(frameFromPicture)(centre);
+    return {moved.x - centre.x, moved.y - centre.y};
+}
+
+void addCorrection(const Shot& shot, cv::Size size, SweepFacts& facts) {
+    const PicturePoint moved = correctionOfCentre(shot.frameFromPicture, size);
+    const double turn = std::abs(std::atan2(shot.frameFromPicture.yx, shot.frameFromPicture.yy));
+    facts.meanCorrectionX += moved.x;
+    facts.meanCorrectionY += moved.y;
+    facts.largestCorrection = std::max(facts.largestCorrection, std::hypot(moved.x, moved.y));
+    facts.largestTurn = std::max(facts.largestTurn, turn * 180 / std::numbers::pi);
+}
+
+}  // namespace
+
+SweepFacts sweepFacts(const RecordReader& record) {
+    const cv::Size size(record.width(), record.height());
+    const CropRectangle crop = record.crop();
+    SweepFacts facts;
+    facts.frames = record.frameCount();
+    facts.keptView = static_cast<double>(crop.width) * crop.height / size.area();
+    for (const Shot& shot : playlist(record)) {
+        const std::int64_t missing = missingPixels(size, shot.frameFromOutput);
+        if (shot.kind != ShotKind::Sweep) {
+            facts.missingBorderPixels += missing;
+            continue;
+        }
+        facts.missingPixels += missing;
+        ++facts.renderedFrames;
+        addCorrection(shot, size, facts);
+    }
+    if (facts.renderedFrames > 0) {
+        facts.meanCorrectionX /= facts.renderedFrames;
+        facts.meanCorrectionY /= facts.renderedFrames;
+    }
+    return facts;
+}
+
+}  // namespace orbitwalk::tool

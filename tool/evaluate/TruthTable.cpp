@@ -1,0 +1,64 @@
+#include "evaluate/TruthTable.h"
+
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "common/CsvFields.h"
+#include "common/ToolError.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+constexpr std::string_view kHeader = "frame,dx,dy,da,x,y,a";
+
+bool parseRow(std::string_view line, int frame, TruthRow& row) {
+    int number = 0;
+    if (!takeField(line, number) || number != frame)
+        return false;
+    std::array<double, 6> values{};
+    for (double& value : values)
+        if (!takeField(line, value) || !std::isfinite(value))
+            return false;
+    row = {values[3], values[4], values[5]};
+    return line.empty();
+}
+
+}  // namespace
+
+std::vector<TruthRow> parseTruthTable(std::string_view text) {
+    if (takeLine(text) != kHeader)
+        throw ToolError("its first line is not " + std::string(kHeader));
+    std::vector<TruthRow> rows;
+    while (!text.empty()) {
+        TruthRow row;
+        if (!parseRow(takeLine(text), static_cast<int>(rows.size()), row))
+            throw ToolError("line " + std::to_string(rows.size() + 2) + " is no row of frame " +
+                            std::to_string(rows.size()));
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+std::vector<TruthRow> readTruthTable(const std::filesystem::path& file, int frames) {
+    std::ifstream stream(file, std::ios::binary);
+    std::ostringstream text;
+    if (!stream || !(text << stream.rdbuf()))
+        throw ToolError(file.string() + ": " + std::strerror(errno));
+    try {
+        std::vector<TruthRow> rows = parseTruthTable(text.str());
+        if (static_cast<int>(rows.size()) != frames)
+            throw ToolError("it has " + std::to_string(rows.size()) + " frames, the sweep has " +
+                            std::to_string(frames));
+        return rows;
+    } catch (const ToolError& error) {
+        throw ToolError(file.string() + ": no truth of this sweep: " + error.what());
+    }
+}
+
+}  // namespace orbitwalk::tool

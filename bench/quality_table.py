@@ -1,0 +1,65 @@
+"""The results of bench/quality as Markdown, and the check that a rendered sweep is what it should be."""
+
+# A rendered sweep's residual motion is well below its input's when it is at most this share of it.
+WELL_BELOW = 0.5
+
+HEADER = ("| clip | | residual x, y, px | angle, ° | of the input's | view kept | beyond the source | missing, px "
+          "| sharpness | ms a frame | path error x, y, px; ° | drift, px a 100 px | repeated |")
+
+
+def magnitude(residual):
+    return (residual["xPixels"] ** 2 + residual["yPixels"] ** 2) ** 0.5
+
+
+def share_of_input(video):
+    return magnitude(video["residualMotion"]) / magnitude(video["source"]["residualMotion"])
+
+
+def residual_cells(residual):
+    lost = f" ({residual['unmeasured']} lost)" if residual["unmeasured"] else ""
+    return [f"{residual['xPixels']:.2f}, {residual['yPixels']:.2f}{lost}", f"{residual['angleDegrees']:.3f}"]
+
+
+def path_cells(path):
+    if not path:
+        return ["", "", ""]
+    x, y, angle = (path[key]["rms"] for key in ("xPixels", "yPixels", "angleDegrees"))
+    return [f"{x:.2f}, {y:.2f}; {angle:.3f}", f"{path['driftPer100Pixels']['along']:+.2f}",
+            f"{path['repeatedShare']:.0%}"]
+
+
+def method_row(method, result):
+    video = result["video"]
+    source = video["source"]
+    return ["", method, *residual_cells(video["residualMotion"]), f"{share_of_input(video):.0%}",
+            f"{source['keptView']:.1%}", f"{source['beyondSource']:.2%}", str(source["missingPixels"]),
+            f"{source['sharpness']:.2f}", f"{result['millisecondsPerFrame']:.0f}",
+            *path_cells(result.get("path"))]
+
+
+def clip_rows(clip):
+    methods = clip["methods"]
+    source = next(iter(methods.values()))["video"]["source"]
+    yield [f"**{clip['name']}**, {clip['frames']} of {clip['size']}", "input",
+           *residual_cells(source["residualMotion"]), *[""] * 9]
+    for method, result in methods.items():
+        yield method_row(method, result)
+
+
+def markdown(results):
+    lines = [HEADER, "|" + "---|" * (HEADER.count("|") - 1)]
+    for clip in results["clips"]:
+        lines += ["| " + " | ".join(row) + " |" for row in clip_rows(clip)]
+    return "\n".join(lines) + "\n"
+
+
+def shortcomings(results):
+    """What a rendered sweep must never show."""
+    for clip in results["clips"]:
+        ours = clip["methods"]["orbitwalk"]
+        missing = ours["sweep"]["missingPixels"]
+        if missing:
+            yield f"{clip['name']}: {missing} missing pixels inside the crop"
+        share = share_of_input(ours["video"])
+        if share > WELL_BELOW:
+            yield f"{clip['name']}: {share:.0%} of the input's residual motion is left"

@@ -46,6 +46,14 @@ Picture shrunk(const Picture& picture, cv::Size size) {
     return small;
 }
 
+cv::Vec3b mean(const cv::Vec3b& p, int weightP, const cv::Vec3b& q, int weightQ) {
+    const int sum = weightP + weightQ;
+    cv::Vec3b result;
+    for (int c = 0; c < 3; ++c)
+        result[c] = static_cast<uchar>((weightP * p[c] + weightQ * q[c] + sum / 2) / sum);
+    return result;
+}
+
 /// Cuts the pictures of a layout from their frames.
 class PieceCutter {
   public:
@@ -65,7 +73,7 @@ class PieceCutter {
         piece.corner = place.bounds.tl();
         cv::warpAffine(shrunk(toBgr(frame, mFrame), mSmall), piece.picture,
                        matrixOf(mSmallFromFrame * frameFromPiece), place.bounds.size(),
-                       cv::INTER_CUBIC | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
+                       cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
         cv::warpAffine(mWeight, piece.weight, matrixOf(mSmallFromFrame * pictureFromPiece),
                        place.bounds.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP);
         return piece;
@@ -84,18 +92,20 @@ PanoramaCanvas::PanoramaCanvas(cv::Size size) : mColour(size, {}), mCover(size, 
 
 void PanoramaCanvas::paint(const cv::Mat3b& picture, const cv::Mat1b& weight, cv::Point corner) {
     for (int y = 0; y < picture.rows; ++y) {
+        const cv::Vec3b* upper = picture[y];
+        const uchar* share = weight[y];
         cv::Vec3b* colour = mColour[corner.y + y] + corner.x;
         uchar* cover = mCover[corner.y + y] + corner.x;
         for (int x = 0; x < picture.cols; ++x) {
-            const int above = 255 * weight(y, x);
+            const int above = 255 * share[x];
+            const int below = cover[x] * (255 - share[x]);
             if (above == 0)
                 continue;
-            const int below = cover[x] * (255 - weight(y, x));
-            const int sum = above + below;
-            for (int c = 0; c < 3; ++c)
-                colour[x][c] = static_cast<uchar>(
-                    (above * picture(y, x)[c] + below * colour[x][c] + sum / 2) / sum);
-            cover[x] = static_cast<uchar>((sum + 254) / 255);
+            if (below == 0)  // Most pixels, and no divisions.
+                colour[x] = upper[x];
+            else
+                colour[x] = mean(upper[x], above, colour[x], below);
+            cover[x] = static_cast<uchar>((above + below + 254) / 255);
         }
     }
 }

@@ -38,18 +38,32 @@ if(ORBITWALK_SANITIZE)
     target_link_options(orbitwalk_settings INTERFACE -fsanitize=${ORBITWALK_SANITIZE})
 endif()
 
+# What a program of a sanitizer build needs besides; nothing in the others.
+add_library(orbitwalk_sanitized_program INTERFACE)
+if(ORBITWALK_SANITIZE STREQUAL thread)
+    add_library(one_threaded_opencv OBJECT ${PROJECT_SOURCE_DIR}/cmake/OneThreadedOpenCV.cpp)
+    target_link_libraries(one_threaded_opencv PRIVATE orbitwalk_settings OrbitwalkOpenCV::core)
+    target_link_libraries(orbitwalk_sanitized_program INTERFACE OrbitwalkOpenCV::core)
+    target_sources(orbitwalk_sanitized_program INTERFACE $<TARGET_OBJECTS:one_threaded_opencv>)
+endif()
+
 add_library(orbitwalk_headers INTERFACE)
 target_include_directories(orbitwalk_headers INTERFACE
     ${PROJECT_SOURCE_DIR}/include
     ${PROJECT_SOURCE_DIR}/host/platform/include
     ${PROJECT_SOURCE_DIR}/host/mp4writer/include)
 
-# orbitwalk_test(NAME SOURCES file... [LIBRARIES lib...] [LABELS label...])
+# orbitwalk_test(NAME SOURCES file... [LIBRARIES lib...])
 # Declares one GoogleTest program and registers each of its tests with CTest.
 function(orbitwalk_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-    target_link_libraries(${name} PRIVATE orbitwalk_settings ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 300)
+    target_link_libraries(${name} PRIVATE orbitwalk_settings orbitwalk_sanitized_program ${ARG_LIBRARIES}
+        GTest::gmock GTest::gtest_main)
+    if(ORBITWALK_SANITIZE)
+        # Instrumented test code takes long to optimise and little to run.
+        target_compile_options(${name} PRIVATE -O0)
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()

@@ -77,7 +77,7 @@ TEST(EvaluateCommand, MeasuresACaptureAgainstItsTruth) {
     const std::string clip = directory / "clip.mp4", truth = directory / "truth.csv";
     const std::string sweep = directory / "sweep", steady = directory / "steady.mp4";
     ASSERT_EQ(
-        runTool({"simulate", "-o", clip, "--truth", truth, "--size", "1280x720", "--frames", "16"})
+        runTool({"simulate", "-o", clip, "--truth", truth, "--size", "960x540", "--frames", "12"})
             .exitCode,
         0);
     ASSERT_EQ(runTool({"capture", clip, "-o", sweep}).exitCode, 0);
@@ -85,11 +85,11 @@ TEST(EvaluateCommand, MeasuresACaptureAgainstItsTruth) {
     const ToolRun run = runTool({"evaluate", sweep, "--truth", truth, "--video", steady, "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const auto result = nlohmann::json::parse(run.out);
-    EXPECT_EQ(result.at("sweep").at("frames"), 16);
+    EXPECT_EQ(result.at("sweep").at("frames"), 12);
     EXPECT_EQ(result.at("sweep").at("missingPixels"), 0);
     // A wrong sign would give 200, a wrong axis 100. What is left is the engine's own error.
     EXPECT_NEAR(result.at("path").at("driftPer100Pixels").at("along"), 0, 15);
-    EXPECT_GT(result.at("path").at("travelledPixels"), 12 * 15 * 0.8);
+    EXPECT_GT(result.at("path").at("travelledPixels"), 11 * 12 * 0.8);
     // What the record says is kept is what the registration of the pictures finds.
     EXPECT_NEAR(result.at("video").at("source").at("keptView"), result.at("sweep").at("keptView"),
                 0.02);
@@ -98,7 +98,7 @@ TEST(EvaluateCommand, MeasuresACaptureAgainstItsTruth) {
     EXPECT_THAT(text.out, HasSubstr("drift per 100 pixels"));
     writeFile(truth, "frame,dx,dy,da,x,y,a\n0,0,0,0,0,0,0\n");
     EXPECT_THAT(runTool({"evaluate", sweep, "--truth", truth}).err,
-                HasSubstr("it has 1 frames, the sweep has 16"));
+                HasSubstr("it has 1 frames, the sweep has 12"));
 }
 
 TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {

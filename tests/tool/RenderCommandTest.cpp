@@ -102,11 +102,8 @@ std::pair<int, int> pngSize(const fs::path& file) {
 
 TEST_F(RenderCommand, WritesStripAndPanorama) {
     const fs::path strip = directory / "strip.png", panorama = directory / "panorama.png";
-    // OpenCV's picture codecs load a library that takes its own two locks in either order.
     const ToolRun run = runTool({"render", input, "--strip", strip, "--panorama", panorama},
-                                {.environment = {{"TSAN_OPTIONS", "detect_deadlocks=0"}},
-                                 .fileSizeLimit = {},
-                                 .signalAfter = {}});
+                                tool_test::usingPictureCodecs());
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_EQ(pngSize(panorama), std::pair(360, 201));
     // Six columns and two rows of 320x240, with gaps of 6 and captions of 20 pixels.

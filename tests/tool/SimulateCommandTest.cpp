@@ -109,7 +109,7 @@ TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) 
         {{text, "-o", text}, "names of their own"},
     };
     for (const auto& [arguments, reason] : cases) {
-        const ToolRun run = runTool(smallClip(arguments));
+        const ToolRun run = runTool(smallClip(arguments), tool_test::usingPictureCodecs());
         expectRefusal(run, reason);
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
         EXPECT_EQ(tool_test::namesIn(dir / ""), (Arguments{"folder", "text"})) << reason;

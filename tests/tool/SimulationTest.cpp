@@ -47,7 +47,7 @@ cv::Mat1f carried(const cv::Mat1f& previous, const cv::Vec3d& motion) {
 cv::Vec3d measuredMotion(const cv::Mat1f& previous, const cv::Mat1f& current, cv::Vec3d motion) {
     const cv::Rect middle(40, 40, current.cols - 80, current.rows - 80);
     const cv::Vec3d step(0.02, 0.02, 1e-4);
-    for (int iteration = 0; iteration < 6; ++iteration) {
+    for (int iteration = 0; iteration < 4; ++iteration) {
         const cv::Mat error = current - carried(previous, motion);
         cv::Mat slope[3];
         cv::Matx33d normal;

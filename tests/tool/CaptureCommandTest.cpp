@@ -23,7 +23,7 @@ using tool_test::RunOptions;
 using tool_test::runTool;
 using Names = std::vector<std::string>;
 
-const Names kOutputs{"sweep.csv", "sweep.mp4", "sweep.obw"};
+const Names kOutputs{"sweep.csv", "sweep.json", "sweep.mp4", "sweep.obw"};
 
 /// A directory for the outputs and one that the tool has for its temporary files.
 class CaptureCommand : public testing::Test {
@@ -81,6 +81,7 @@ TEST_F(CaptureCommand, TurnsAVideoIntoMp4RecordAndPath) {
     EXPECT_TRUE(rows.starts_with("frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n")) << rows;
     EXPECT_EQ(std::ranges::count(rows, '\n'), 31);
 
+    EXPECT_EQ(contentOf(mDir / "out/sweep.json"), run.out);
     const json summary = json::parse(run.out);
     EXPECT_EQ(summary.at("frames"), 30);
     EXPECT_EQ(summary.at("width"), 960);

@@ -151,13 +151,10 @@ TEST(EngineTempDirectory, IsPrivateAndGoneAtTheEnd) {
 }
 
 TEST(Summary, WarnsWhenMoreThanATenthOfTheMotionsAreRepeated) {
-    Summary summary;
-    summary.frames = 50;
-    summary.repeatedMotions = 5;
-    EXPECT_FALSE(repeatedMotionWarning(summary));
-    summary.repeatedMotions = 6;
-    ASSERT_TRUE(repeatedMotionWarning(summary));
-    EXPECT_NE(repeatedMotionWarning(summary)->find("6 of 50 frames"), std::string::npos);
+    EXPECT_FALSE(repeatedMotionWarning(5, 50));
+    const auto warning = repeatedMotionWarning(6, 50);
+    ASSERT_TRUE(warning);
+    EXPECT_NE(warning->find("6 of 50 frames"), std::string::npos);
 }
 
 TEST(Summary, TellsTheFallbackFromASweepThatStoodStill) {

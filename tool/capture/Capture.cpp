@@ -11,6 +11,7 @@
 #include "common/OutputFiles.h"
 #include "common/ProgressBar.h"
 #include "common/SignalGuard.h"
+#include "common/SweepFiles.h"
 #include "common/ToolError.h"
 
 namespace fs = std::filesystem;
@@ -18,12 +19,8 @@ namespace fs = std::filesystem;
 namespace orbitwalk::tool {
 namespace {
 
-constexpr char kVideoName[] = "sweep.mp4";
-constexpr char kRecordName[] = "sweep.obw";
-constexpr char kPathName[] = "sweep.csv";
-
 void refuseToReplaceTheSource(const CaptureOptions& options) {
-    for (const char* name : {kVideoName, kRecordName, kPathName}) {
+    for (const char* name : kSweepNames) {
         std::error_code noSuchFile;
         if (fs::equivalent(options.video, options.directory / name, noSuchFile))
             throw ToolError(options.video.string() +
@@ -90,15 +87,15 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
                      .height = video.height(),
                      .orientation = options.orientation,
                      .frontCameraFlipped = options.frontCameraFlipped},
-                    outputs.create(kVideoName));
+                    outputs.create(kSweepVideoName));
     const Feed feed = feedAll(options, video, session, signals, summary.seconds);
     const SweepSelection selection = select(options, feed.path);
     ProgressBar bar("finishing", 100);
     const auto& record =
         session.finish(feed.path, selection, [&](int percent) { bar.update(percent); });
     const std::set<int> repeated = session.repeatedFrames();
-    outputs.write(kRecordName, {reinterpret_cast<const char*>(&record), sizeof record});
-    outputs.write(kPathName, sweepCsv(feed.path, selection.flags, repeated));
+    outputs.write(kSweepRecordName, {reinterpret_cast<const char*>(&record), sizeof record});
+    outputs.write(kSweepPathName, sweepCsv(feed.path, selection.flags, repeated));
 
     summary.video = options.video;
     summary.frames = static_cast<int>(feed.path.size());
@@ -110,6 +107,10 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
     summary.extent = pathExtent(feed.path);
     summary.repeatedMotions = static_cast<int>(repeated.size());
     fillFromRecord(summary, record);
+    summary.sweepVideo = options.directory / kSweepVideoName;
+    summary.sweepRecord = options.directory / kSweepRecordName;
+    summary.sweepPath = options.directory / kSweepPathName;
+    summary.sweepSummary = options.directory / kSweepSummaryName;
     fillPostProcessing(summary.seconds, session);
     return summary;
 }
@@ -118,21 +119,18 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
 
 Summary captureSweep(const CaptureOptions& options) {
     const SignalGuard signals;
+    OutputFiles outputs(options.directory);
     double seconds = 0;
     Summary summary = timed(seconds, [&] {
         media::VideoReader video(options.video);
         refuseToReplaceTheSource(options);
-        OutputFiles outputs(options.directory);
         const EngineTempDirectory temporary;
-        Summary done = runSession(options, video, outputs, signals);
-        signals.check();
-        outputs.commit();
-        return done;
+        return runSession(options, video, outputs, signals);
     });
     summary.seconds.total = seconds;
-    summary.sweepVideo = options.directory / kVideoName;
-    summary.sweepRecord = options.directory / kRecordName;
-    summary.sweepPath = options.directory / kPathName;
+    outputs.write(kSweepSummaryName, toJsonText(summary));
+    signals.check();
+    outputs.commit();
     return summary;
 }
 

@@ -20,9 +20,9 @@ struct CaptureOptions {
     bool realtime = false;
 };
 
-/// Captures a video into sweep.mp4, sweep.obw and sweep.csv in the directory. They appear together
-/// when all are complete; a capture that fails or is interrupted by a signal leaves nothing behind.
-/// On the main thread. @throws ToolError, MediaError.
+/// Captures a video into sweep.mp4, sweep.obw, sweep.csv and sweep.json, the summary, in the
+/// directory. They appear together when all are complete; a capture that fails or is interrupted by
+/// a signal leaves nothing behind. On the main thread. @throws ToolError, MediaError.
 Summary captureSweep(const CaptureOptions& options);
 
 }  // namespace orbitwalk::tool

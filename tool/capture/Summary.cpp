@@ -33,14 +33,14 @@ bool isUncorrected(const __kelOBWKDXMetaData& record) {
                        [&](const auto& matrix) { return std::ranges::equal(matrix, identity); });
 }
 
-std::optional<std::string> repeatedMotionWarning(const Summary& summary) {
-    if (summary.repeatedMotions * 10 <= summary.frames)
+std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames) {
+    if (repeatedMotions * 10 <= frames)
         return std::nullopt;
     return line(
         "%d of %d frames repeat the last motion because theirs could not be measured: too few "
         "corners "
         "to follow (the picture is small, soft or dark, or moves too fast)",
-        summary.repeatedMotions, summary.frames);
+        repeatedMotions, frames);
 }
 
 std::optional<std::string> truncationNote(const Summary& summary) {
@@ -71,11 +71,13 @@ std::string toText(const Summary& summary) {
                s.renderMatrices, s.cleanUp, s.total) +
            "written           " + summary.sweepVideo.string() + "\n                  " +
            summary.sweepRecord.string() + "\n                  " + summary.sweepPath.string() +
-           "\n";
+           "\n                  " + summary.sweepSummary.string() + "\n";
 }
 
 nlohmann::ordered_json toJson(const Summary& summary) {
-    const StageSeconds& s = summary.seconds;
+    nlohmann::ordered_json seconds;
+    for (const Stage& stage : kStages)
+        seconds[stage.key] = summary.seconds.*stage.seconds;
     return {{"video", summary.video.string()},
             {"width", summary.width},
             {"height", summary.height},
@@ -89,21 +91,18 @@ nlohmann::ordered_json toJson(const Summary& summary) {
             {"cropKept", {{"width", summary.cropWidthShare}, {"height", summary.cropHeightShare}}},
             {"uncorrected", summary.uncorrected},
             {"repeatedMotions", summary.repeatedMotions},
-            {"repeatedMotionWarning", repeatedMotionWarning(summary).has_value()},
-            {"seconds",
-             {{"decode", s.decode},
-              {"measure", s.measure},
-              {"feed", s.feed},
-              {"waitForEncoder", s.waitForEncoder},
-              {"finishVideo", s.finishVideo},
-              {"smooth", s.smooth},
-              {"renderMatrices", s.renderMatrices},
-              {"cleanUp", s.cleanUp},
-              {"total", s.total}}},
+            {"repeatedMotionWarning",
+             repeatedMotionWarning(summary.repeatedMotions, summary.frames).has_value()},
+            {"seconds", seconds},
             {"outputs",
              {{"video", summary.sweepVideo.string()},
               {"record", summary.sweepRecord.string()},
-              {"path", summary.sweepPath.string()}}}};
+              {"path", summary.sweepPath.string()},
+              {"summary", summary.sweepSummary.string()}}}};
+}
+
+std::string toJsonText(const Summary& summary) {
+    return toJson(summary).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace orbitwalk::tool

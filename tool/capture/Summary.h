@@ -19,8 +19,25 @@ struct StageSeconds {
     double smooth = 0;
     double renderMatrices = 0;
     double cleanUp = 0;
-    double total = 0;
+    double total = 0;  ///< From opening the video until all but the summary was written.
 };
+
+/// A stage under its key in the summary's JSON.
+struct Stage {
+    const char* key;
+    double StageSeconds::*seconds;
+};
+
+/// In the order that a capture goes through them, the total last.
+inline constexpr Stage kStages[] = {{"decode", &StageSeconds::decode},
+                                    {"measure", &StageSeconds::measure},
+                                    {"feed", &StageSeconds::feed},
+                                    {"waitForEncoder", &StageSeconds::waitForEncoder},
+                                    {"finishVideo", &StageSeconds::finishVideo},
+                                    {"smooth", &StageSeconds::smooth},
+                                    {"renderMatrices", &StageSeconds::renderMatrices},
+                                    {"cleanUp", &StageSeconds::cleanUp},
+                                    {"total", &StageSeconds::total}};
 
 /// What a capture came to.
 struct Summary {
@@ -42,6 +59,7 @@ struct Summary {
     std::filesystem::path sweepVideo;
     std::filesystem::path sweepRecord;
     std::filesystem::path sweepPath;
+    std::filesystem::path sweepSummary;
 };
 
 /// Whether the record is that of the engine's fallback: no smoothing kept enough of the picture, so
@@ -50,12 +68,14 @@ struct Summary {
 bool isUncorrected(const __kelOBWKDXMetaData& record);
 
 /// A line that warns of too many repeated motions, more than a tenth of the frames.
-std::optional<std::string> repeatedMotionWarning(const Summary& summary);
+std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames);
 
 /// A line that says that frames were left out, when some were.
 std::optional<std::string> truncationNote(const Summary& summary);
 
 std::string toText(const Summary& summary);
 nlohmann::ordered_json toJson(const Summary& summary);
+/// What sweep.json holds. A file name may have bytes that are not UTF-8; JSON cannot.
+std::string toJsonText(const Summary& summary);
 
 }  // namespace orbitwalk::tool

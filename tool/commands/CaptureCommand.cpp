@@ -5,7 +5,6 @@
 #include <cstring>
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "OrbitwalkPlatform.h"
@@ -29,11 +28,6 @@ const std::map<std::string, int> kLogLevels{
     {"verbose", ANDROID_LOG_VERBOSE}, {"debug", ANDROID_LOG_DEBUG}, {"info", ANDROID_LOG_INFO},
     {"warn", ANDROID_LOG_WARN},       {"error", ANDROID_LOG_ERROR}, {"off", ANDROID_LOG_FATAL + 1}};
 
-/// A file name may hold bytes that are not UTF-8; JSON cannot.
-std::string jsonText(const Summary& summary) {
-    return toJson(summary).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
-}
-
 void run(Arguments arguments) {
     if (!arguments.logLevel.empty())
         OrbitwalkSetLogLevel(kLogLevels.at(arguments.logLevel));
@@ -46,9 +40,9 @@ void run(Arguments arguments) {
     const Summary summary = captureSweep(arguments.capture);
     if (const auto note = truncationNote(summary))
         std::fprintf(stderr, "orbitwalk: note: %s\n", note->c_str());
-    if (const auto warning = repeatedMotionWarning(summary))
+    if (const auto warning = repeatedMotionWarning(summary.repeatedMotions, summary.frames))
         std::fprintf(stderr, "orbitwalk: warning: %s\n", warning->c_str());
-    const std::string text = arguments.json ? jsonText(summary) : toText(summary);
+    const std::string text = arguments.json ? toJsonText(summary) : toText(summary);
     if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
         throw ToolError(std::string("cannot print the summary: ") + std::strerror(errno));
 }
@@ -57,7 +51,9 @@ void run(Arguments arguments) {
 
 void addCaptureCommand(CLI::App& app) {
     auto* command = app.add_subcommand(
-        "capture", "Capture a video: sweep.mp4, its motion record sweep.obw, its path sweep.csv");
+        "capture",
+        "Capture a video: sweep.mp4, its motion record sweep.obw, its path sweep.csv, this "
+        "summary sweep.json");
     auto arguments = std::make_shared<Arguments>();
     CaptureOptions& capture = arguments->capture;
     command->add_option("video", capture.video, "Any video that FFmpeg reads")->required();

@@ -11,6 +11,7 @@
 #include "common/OutputFiles.h"
 #include "common/ProgressBar.h"
 #include "common/SignalGuard.h"
+#include "common/SweepFiles.h"
 #include "common/ToolError.h"
 #include "render/ContactSheet.h"
 #include "render/Panorama.h"
@@ -30,25 +31,12 @@ struct RenderOptions {
     SteadySettings steady;
 };
 
-void refuseSharedNames(const RenderOptions& options) {
-    const fs::path names[] = {options.directory / "sweep.mp4",
-                              options.directory / "sweep.obw",
-                              options.directory / "sweep.csv",
-                              options.video,
-                              options.strip,
-                              options.panorama};
-    for (const fs::path* p = std::begin(names); p != std::end(names); ++p)
-        for (const fs::path* q = p + 1; q != std::end(names); ++q)
-            if (!q->empty() && fs::weakly_canonical(*p) == fs::weakly_canonical(*q))
-                throw ToolError("cannot write " + q->string() + ": that name is taken");
-}
-
 void checkOutputs(const RenderOptions& options) {
     if (options.video.empty() && options.strip.empty() && options.panorama.empty())
         throw ToolError("nothing to render: give -o, --strip or --panorama");
     if (options.steady.compare && options.video.empty())
         throw ToolError("--compare needs a video to write: give -o");
-    refuseSharedNames(options);
+    refuseTakenNames(options.directory, {options.video, options.strip, options.panorama});
 }
 
 /// One file, which appears under its name when everything was rendered.

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "common/RecordFile.h"
+#include "common/SweepFiles.h"
 #include "common/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -16,8 +17,9 @@ std::string sizeText(int width, int height) {
 }  // namespace
 
 Sweep openSweep(const std::filesystem::path& directory) {
-    const std::filesystem::path recordFile = directory / "sweep.obw";
-    Sweep sweep{directory / "sweep.mp4", directory / "sweep.csv", readRecordFile(recordFile)};
+    const std::filesystem::path recordFile = directory / kSweepRecordName;
+    Sweep sweep{directory / kSweepVideoName, directory / kSweepPathName,
+                readRecordFile(recordFile)};
     if (playlist(sweep.record).empty())
         throw ToolError(recordFile.string() + ": the record renders no frame");
     return sweep;

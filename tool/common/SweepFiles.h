@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+#include <initializer_list>
+
+namespace orbitwalk::tool {
+
+inline constexpr char kSweepVideoName[] = "sweep.mp4";
+inline constexpr char kSweepRecordName[] = "sweep.obw";
+inline constexpr char kSweepPathName[] = "sweep.csv";
+inline constexpr char kSweepSummaryName[] = "sweep.json";
+
+/// What `orbitwalk capture` writes.
+inline constexpr const char* kSweepNames[] = {kSweepVideoName, kSweepRecordName, kSweepPathName,
+                                              kSweepSummaryName};
+
+/// @throws ToolError when an output has the name of a file of the sweep or of another output; empty
+/// names are none.
+void refuseTakenNames(const std::filesystem::path& sweepDirectory,
+                      std::initializer_list<std::filesystem::path> outputs);
+
+}  // namespace orbitwalk::tool

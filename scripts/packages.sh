@@ -6,16 +6,24 @@ packages_build=(
     libopencv-calib3d-dev
     libavcodec-dev libavformat-dev libavutil-dev libswscale-dev
     libspdlog-dev libcli11-dev nlohmann-json3-dev
+    npm
 )
 packages_demo=(lomiri-wallpapers-16.04)
 packages_quality=(ffmpeg)
-packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils)
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium)
+
+# is_there NAME: the package is installed, or the command npm for the package of that name: Node.js from another
+# source brings an npm of its own, and Debian's cannot be installed beside it.
+is_there() {
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ] ||
+        { [ "$1" = npm ] && command -v npm >/dev/null; }
+}
 
 # install_packages NAME...: installs what is missing; asks for nothing when all is there.
 install_packages() {
     local missing=() package
     for package in "$@"; do
-        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+        is_there "$package" || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
     echo "Installing ${missing[*]}"

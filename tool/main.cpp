@@ -14,6 +14,7 @@ int main(int argc, char** argv) {
     orbitwalk::tool::addInspectCommand(app);
     orbitwalk::tool::addEvaluateCommand(app);
     orbitwalk::tool::addRenderCommand(app);
+    orbitwalk::tool::addReportCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

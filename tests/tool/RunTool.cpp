@@ -21,8 +21,8 @@ struct Pipe {
     std::array<int, 2> ends{};
 };
 
-[[noreturn]] void becomeTool(const std::vector<std::string>& arguments, const RunOptions& options,
-                             const Pipe& out, const Pipe& err) {
+[[noreturn]] void become(std::string program, const std::vector<std::string>& arguments,
+                         const RunOptions& options, const Pipe& out, const Pipe& err) {
     dup2(out.ends[1], STDOUT_FILENO);
     dup2(err.ends[1], STDERR_FILENO);
     for (const int end : {out.ends[0], out.ends[1], err.ends[0], err.ends[1]})
@@ -34,13 +34,12 @@ struct Pipe {
                            static_cast<rlim_t>(*options.fileSizeLimit)};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-    std::string tool = ORBITWALK_TOOL;
     std::vector<std::string> copies(arguments);
-    std::vector<char*> argv{tool.data()};
+    std::vector<char*> argv{program.data()};
     for (std::string& argument : copies)
         argv.push_back(argument.data());
     argv.push_back(nullptr);
-    execv(tool.c_str(), argv.data());
+    execv(program.c_str(), argv.data());
     _exit(127);
 }
 
@@ -61,11 +60,16 @@ void end(pollfd& source) {
 }  // namespace
 
 ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& options) {
+    return runProgram(ORBITWALK_TOOL, arguments, options);
+}
+
+ToolRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
+                   const RunOptions& options) {
     Pipe out;
     Pipe err;
     const pid_t child = fork();
     if (child == 0)
-        becomeTool(arguments, options, out, err);
+        become(program, arguments, options, out, err);
     close(out.ends[1]);
     close(err.ends[1]);
     ToolRun run;

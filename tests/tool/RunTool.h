@@ -31,4 +31,8 @@ struct ToolRun {
 /// Runs the built `orbitwalk` with the arguments to its end, in the test's working directory.
 ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
+/// The same for another program. @param program  its path.
+ToolRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
+                   const RunOptions& options = {});
+
 }  // namespace tool_test

@@ -12,5 +12,6 @@ void addCaptureCommand(CLI::App& app);
 void addInspectCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
 void addRenderCommand(CLI::App& app);
+void addReportCommand(CLI::App& app);
 
 }  // namespace orbitwalk::tool

@@ -6,6 +6,8 @@
 
 namespace orbitwalk::tool {
 
+static_assert(kLastFeedbackStep == stabilization::kFeedbackSteps);
+
 namespace {
 
 Trajectory trajectoryOf(const SweepRow& row) {

@@ -8,6 +8,9 @@
 
 namespace orbitwalk::tool {
 
+/// The last of the feedback search's runs, the one that smooths least.
+inline constexpr int kLastFeedbackStep = 10;
+
 /// Pixels of the full-size frame, x right, y down; radians.
 struct PathPosition {
     double x = 0;

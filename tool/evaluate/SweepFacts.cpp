@@ -10,23 +10,22 @@ namespace orbitwalk::tool {
 
 namespace {
 
-/// Where the correction moves the frame's centre.
-PicturePoint correctionOfCentre(const Affine& frameFromPicture, cv::Size size) {
-    const PicturePoint centre{(size.width - 1) / 2.0, (size.height - 1) / 2.0};
-    const PicturePoint moved = inverse(frameFromPicture)(centre);
-    return {moved.x - centre.x, moved.y - centre.y};
-}
-
 void addCorrection(const Shot& shot, cv::Size size, SweepFacts& facts) {
-    const PicturePoint moved = correctionOfCentre(shot.frameFromPicture, size);
-    const double turn = std::abs(std::atan2(shot.frameFromPicture.yx, shot.frameFromPicture.yy));
+    const Correction moved = correctionOf(shot.frameFromPicture, size);
     facts.meanCorrectionX += moved.x;
     facts.meanCorrectionY += moved.y;
     facts.largestCorrection = std::max(facts.largestCorrection, std::hypot(moved.x, moved.y));
-    facts.largestTurn = std::max(facts.largestTurn, turn * 180 / std::numbers::pi);
+    facts.largestTurn = std::max(facts.largestTurn, std::abs(moved.turn) * 180 / std::numbers::pi);
 }
 
 }  // namespace
+
+Correction correctionOf(const Affine& frameFromPicture, cv::Size size) {
+    const PicturePoint centre{(size.width - 1) / 2.0, (size.height - 1) / 2.0};
+    const PicturePoint moved = inverse(frameFromPicture)(centre);
+    return {moved.x - centre.x, moved.y - centre.y,
+            std::atan2(-frameFromPicture.yx, frameFromPicture.yy)};
+}
 
 SweepFacts sweepFacts(const RecordReader& record) {
     const cv::Size size(record.width(), record.height());

@@ -1,11 +1,22 @@
 #pragma once
 
 #include <cstdint>
+#include <opencv2/core/types.hpp>
 #include <span>
 
 #include "render/Playlist.h"
 
 namespace orbitwalk::tool {
+
+/// How a frame is moved into the picture: its centre by pixels, and the turn about it in radians,
+/// clockwise on the screen.
+struct Correction {
+    double x = 0;
+    double y = 0;
+    double turn = 0;
+};
+
+Correction correctionOf(const Affine& frameFromPicture, cv::Size size);
 
 /// What a record alone says about the sweep that a player shows. Pixels of the full-size frame.
 struct SweepFacts {

@@ -1,0 +1,164 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "capture/Summary.h"
+#include "tool/AnalyticSweep.h"
+#include "tool/Browser.h"
+#include "tool/RunTool.h"
+#include "tool/TestDirectory.h"
+
+namespace tool_test {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// As text it is harmless; as markup it would swallow the rest of the page.
+constexpr char kHostileName[] = R"(<!--<script>&lt;"'<b>.mp4)";
+
+/// Counts the pixels that each line of each plot changes when it is drawn, with the plots as they
+/// stand and once more with one of them emptied; tells the lines' values of frame 1.
+constexpr char kProbe[] = R"(<script>(async () => {
+const drawn = async ({plot, title}) => {
+    const {canvas} = plot.ctx, lines = {};
+    const pixels = () => new Uint32Array(plot.ctx.getImageData(0, 0, canvas.width, canvas.height).data.buffer);
+    let before;
+    plot.hooks.drawAxes = [() => before = pixels()];
+    plot.hooks.drawSeries = [(u, i) => {
+        const after = pixels();
+        lines[plot.series[i].label] = after.reduce((sum, pixel, k) => sum + (pixel !== before[k]), 0);
+        before = after;
+    }];
+    plot.redraw(false);
+    await new Promise(done => setTimeout(done, 0));
+    const atOne = Object.fromEntries(plot.series.slice(1).map(({label}, i) => [label, plot.data[i + 1][1]]));
+    return {title, lines, atOne};
+};
+await new Promise(loaded => addEventListener("load", loaded));
+const found = {plots: []};
+for (const one of reportPlots)
+    found.plots.push(await drawn(one));
+const [first] = reportPlots;
+first.plot.setData(first.plot.data.map((values, i) => i === 0 ? values : values.map(() => null)));
+found.emptied = (await drawn(first)).lines;
+found.pictures = [...document.images].map(picture => [picture.naturalWidth, picture.naturalHeight]);
+found.title = document.getElementById("title").textContent;
+found.texts = [...document.querySelectorAll("dd, .warning, #time td")].map(one => one.textContent);
+found.rectangle = ["x", "y", "width", "height"].map(name => Number(document.querySelector("svg rect").getAttribute(name)));
+const result = document.createElement("pre");
+result.textContent = "PROBE" + JSON.stringify(found).replace(/[<>&]/g, c => "\\u00" + c.charCodeAt(0).toString(16)) + "EBORP";
+document.body.append(result);
+})();</script>)";
+
+class ReportInBrowser : public testing::Test {
+  protected:
+    ReportInBrowser() {
+        sweep.write(directory / "sweep");
+        std::ofstream csv(directory / "sweep" / "sweep.csv");
+        csv << "frame,x,y,a,flag,repeated\n";
+        for (int i = 0; i < AnalyticSweep::frames; ++i)
+            csv << i << ',' << -sweep.left(i) << ',' << -sweep.top(i) << ",0.00" << i % 3 << ','
+                << (i != 4) << ',' << (i == 3 || i == 8) << '\n';
+        csv.close();
+        writeSummary();
+    }
+
+    void writeSummary() const {
+        orbitwalk::tool::Summary summary;
+        summary.video = std::string("folder/") + kHostileName;
+        summary.width = AnalyticSweep::width;
+        summary.height = AnalyticSweep::height;
+        summary.frames = AnalyticSweep::frames;
+        summary.seconds.decode = 0.25;
+        summary.seconds.total = 0.5;
+        writeFile(directory / "sweep" / "sweep.json", orbitwalk::tool::toJsonText(summary));
+    }
+
+    std::string report() const {
+        const ToolRun run = runTool({"report", directory / "sweep", "-o", directory / "r.html"},
+                                    {.environment = {{"TSAN_OPTIONS", "detect_deadlocks=0"}},
+                                     .fileSizeLimit = {},
+                                     .signalAfter = {}});
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        return contentOf(directory / "r.html");
+    }
+
+    /// Opens the page with more at the end of its body.
+    BrowserRun open(std::string page, const std::string& more) const {
+        page.insert(page.rfind("</body>"), more);
+        writeFile(directory / "opened.html", page);
+        return openInBrowser(directory / "opened.html");
+    }
+
+    const AnalyticSweep sweep{};
+    const TestDirectory directory;
+};
+
+json probed(const BrowserRun& run) {
+    const std::size_t begin = run.dom.rfind("PROBE{") + 5;
+    const std::size_t end = run.dom.rfind("}EBORP") + 1;
+    if (begin > end || end > run.dom.size())
+        throw std::runtime_error("the page's scripts did not run to their end");
+    return json::parse(run.dom.substr(begin, end - begin));
+}
+
+const json& plotOf(const json& found, const std::string& title) {
+    for (const json& plot : found.at("plots"))
+        if (plot.at("title") == title)
+            return plot;
+    throw std::runtime_error("no plot " + title);
+}
+
+TEST_F(ReportInBrowser, DrawsEveryLineAndShowsPicturesAndWords) {
+    const BrowserRun run = open(report(), kProbe);
+    EXPECT_THAT(run.requests, IsEmpty());
+    const json found = probed(run);
+    const auto& plots = found.at("plots");
+    ASSERT_EQ(plots.size(), 10u);
+    for (const json& plot : plots)
+        for (const auto& [line, pixels] : plot.at("lines").items())
+            EXPECT_GT(pixels, 20) << plot.at("title") << ": " << line;
+    const std::pair<const char*, std::size_t> lines[] = {
+        {"Path, x, to the right", 4},
+        {"Correction, x, to the right", 3},
+        {"Correction, angle", 1},
+        {"Room between the crop and the frame's edge", 4},
+        {"Motion, x, to the right", 2}};
+    for (const auto& [title, count] : lines)
+        EXPECT_EQ(plotOf(found, title).at("lines").size(), count) << title;
+    EXPECT_EQ(plotOf(found, "Correction, x, to the right").at("atOne"),
+              json({{"correction", 3}, {"left margin", 32}, {"right margin", -32}}));
+    EXPECT_EQ(plotOf(found, "Correction, y, down").at("atOne"),
+              json({{"correction", -2}, {"top margin", 24}, {"bottom margin", -24}}));
+    EXPECT_EQ(found.at("emptied").size(), 4u);
+    for (const auto& [line, pixels] : found.at("emptied").items())
+        EXPECT_EQ(pixels, 0) << "what no line draws counts as " << line;
+
+    EXPECT_EQ(found.at("title"), kHostileName);
+    EXPECT_EQ(found.at("rectangle"), json({32, 24, 256, 192}));
+    EXPECT_EQ(found.at("pictures"), json(std::vector(13, std::pair(320, 240))));
+    for (const char* text : {kHostileName, "320 × 240 px", "9 in the range 0 to 9",
+                             "80.0 % of the width, 80.0 % of the height", "2 of 10 frames (20.0 %)",
+                             "decode the video", "250 ms", "500 ms"})
+        EXPECT_THAT(found.at("texts"), testing::Contains(text));
+    EXPECT_THAT(found.at("texts"),
+                testing::Contains(testing::ResultOf(
+                    [](const json& text) { return text.get<std::string>(); },
+                    HasSubstr("Warning: 2 of 10 frames repeat the last motion"))));
+}
+
+TEST_F(ReportInBrowser, MayNotUseTheNetwork) {
+    const char picture[] = R"(<img src="http://127.0.0.1:9/picture.png">)";
+    EXPECT_THAT(open(report(), picture).requests, IsEmpty());
+    EXPECT_THAT(open("<!DOCTYPE html><body></body>", picture).requests,
+                testing::Contains("http://127.0.0.1:9/picture.png"))
+        << "the network log does not show what a page asks for";
+}
+
+}  // namespace
+}  // namespace tool_test

@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+#include "tool/AnalyticSweep.h"
+#include "tool/RunTool.h"
+#include "tool/TestDirectory.h"
+
+namespace tool_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ReportCommand : public testing::Test {
+  protected:
+    ReportCommand() { sweep.write(input); }
+
+    ToolRun report(const std::string& output, std::optional<long> fileSizeLimit = {}) const {
+        // OpenCV's picture codecs load a library that takes its own two locks in either order.
+        return runTool({"report", input.string(), "-o", output},
+                       {.environment = {{"TSAN_OPTIONS", "detect_deadlocks=0"}},
+                        .fileSizeLimit = fileSizeLimit,
+                        .signalAfter = {}});
+    }
+
+    const AnalyticSweep sweep{};
+    const TestDirectory directory;
+    const fs::path input = directory / "sweep";
+    const std::string page = (directory / "r.html").string();
+};
+
+TEST_F(ReportCommand, NeedsNoSummary) {
+    const ToolRun run = report(page);
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+    EXPECT_NE(run.out.find("r.html: report on 10 frames"), std::string::npos) << run.out;
+    EXPECT_NE(contentOf(page).find("\"capture\":null"), std::string::npos);
+}
+
+TEST_F(ReportCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
+    struct Case {
+        std::function<void()> damage;
+        std::string output;
+        const char* complaint;
+    };
+    const auto nothing = [] {};
+    const TestDirectory whole;
+    fs::copy(input, whole / "sweep");
+    const Case cases[] = {
+        {[&] { sweep.writeVideo(input / "sweep.mp4", 9); }, page,
+         "the video has 9 frames, its record says 10"},
+        {[&] {
+             auto record = sweep.record();
+             record.width = 400;
+             sweep.writeRecord(input / "sweep.obw", record);
+         },
+         page, "the video is 320x240, its record says 400x240"},
+        {[&] { writeFile(input / "sweep.obw", "short"); }, page, "not a motion record"},
+        {[&] { writeFile(input / "sweep.mp4", "not a video"); }, page, "sweep.mp4"},
+        {[&] { fs::remove(input / "sweep.csv"); }, page, "sweep.csv: No such file"},
+        {[&] { writeFile(input / "sweep.json", "{\"video\": 3}\n"); }, page,
+         "sweep.json: no summary of a capture"},
+        {[&] { fs::create_directory(input / "sweep.json"); }, page, "sweep.json"},
+        {nothing, input / "sweep.json", "that name is taken"},
+        {nothing, input, "cannot write"},
+        {nothing, input / "sweep.csv" / "r.html", "cannot write"},
+    };
+    for (const Case& c : cases) {
+        fs::remove_all(input);
+        fs::copy(whole / "sweep", input);
+        c.damage();
+        const ToolRun run = report(c.output);
+        EXPECT_EQ(run.exitCode, 1) << c.complaint;
+        EXPECT_NE(run.err.find(c.complaint), std::string::npos) << run.err;
+        EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
+        EXPECT_EQ(namesIn(directory / ""), std::vector<std::string>{"sweep"}) << c.complaint;
+    }
+}
+
+TEST_F(ReportCommand, AFullDiskLeavesTheFormerPage) {
+    writeFile(page, "former");
+    const ToolRun run = report(page, 20000);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
+    EXPECT_EQ(contentOf(page), "former");
+    EXPECT_EQ(namesIn(directory / ""), (std::vector<std::string>{"r.html", "sweep"}));
+}
+
+}  // namespace
+}  // namespace tool_test

@@ -1,0 +1,181 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "common/ToolError.h"
+#include "report/ReportData.h"
+#include "report/SavedSummary.h"
+#include "support/SampleRecord.h"
+#include "tool/AnalyticSweep.h"
+#include "tool/TestDirectory.h"
+
+namespace orbitwalk::tool {
+namespace {
+
+using testing::DoubleEq;
+using testing::ElementsAre;
+using testing::IsNan;
+using tool_test::AnalyticSweep;
+
+RecordReader opened(const __kelOBWKDXMetaData& record) {
+    return std::get<RecordReader>(RecordReader::open(recordBytes(record)));
+}
+
+/// The picture goes against the camera.
+std::vector<SweepRow> measuredPath() {
+    std::vector<SweepRow> rows;
+    for (int i = 0; i < AnalyticSweep::frames; ++i)
+        rows.push_back({static_cast<float>(-AnalyticSweep::left(i)),
+                        static_cast<float>(-AnalyticSweep::top(i)), 0.25f * static_cast<float>(i),
+                        i != 4, i == 7});
+    return rows;
+}
+
+class ReportOfASweep : public testing::Test {
+  protected:
+    const ReportData data = reportData(opened(AnalyticSweep().record()), measuredPath(), {});
+};
+
+TEST_F(ReportOfASweep, CountsFrames) {
+    EXPECT_EQ(data.frames, 10);
+    EXPECT_EQ(data.rendered, 9);
+    EXPECT_EQ(data.range.begin, 0);
+    EXPECT_EQ(data.range.end, 10);
+    EXPECT_EQ(data.direction, "right to left");
+    EXPECT_EQ(data.repeatedMotions, 1);
+    EXPECT_FALSE(data.repeatedWarning);
+    EXPECT_TRUE(data.repeated[7]);
+    EXPECT_FALSE(data.capture);
+}
+
+// The camera goes (8, 1) a frame and shakes: (0, 0), (3, -2), (-4, 5), (6, 1) at first.
+TEST_F(ReportOfASweep, TakesMotionBetweenAllNeighbours) {
+    EXPECT_THAT(data.motion.x[0], IsNan());
+    EXPECT_EQ(data.motion.x[1], -11);
+    EXPECT_EQ(data.motion.y[1], 1);
+    EXPECT_EQ(data.motion.x[2], -1);
+    EXPECT_EQ(data.motion.y[2], -8);
+    EXPECT_EQ(data.motion.x[4], 18);
+    EXPECT_NEAR(data.motion.angle[9], 14.3239, 1e-4);
+}
+
+TEST_F(ReportOfASweep, MeasuresThePathFromTheFirstSelectedFrame) {
+    EXPECT_EQ(data.measured.x[0], 0);
+    EXPECT_EQ(data.measured.x[3], -30);
+    EXPECT_EQ(data.measured.y[3], -4);
+    EXPECT_NEAR(data.measured.angle[3], 42.9718, 1e-4);
+    for (const Track* track : {&data.measured, &data.gaussian, &data.smoothed})
+        for (int i = 1; i < 10; ++i)
+            EXPECT_EQ(std::isnan(track->y[i]), i == 4) << i;
+    EXPECT_THAT(data.gaussian.x[0], IsNan());
+    EXPECT_THAT(data.smoothed.x[0], IsNan());
+}
+
+// Frame 1 is moved by (3, -2): behind the crop (32, 24), 256x192 it covers columns 3 to 322 and
+// rows -2 to 237.
+TEST_F(ReportOfASweep, SetsCorrectionsAgainstTheCrop) {
+    EXPECT_DOUBLE_EQ(data.correction.x[1], 3);
+    EXPECT_DOUBLE_EQ(data.correction.y[1], -2);
+    EXPECT_DOUBLE_EQ(data.correction.angle[1], 0);
+    EXPECT_DOUBLE_EQ(data.room.left[1], 29);
+    EXPECT_DOUBLE_EQ(data.room.right[1], 35);
+    EXPECT_DOUBLE_EQ(data.room.top[1], 26);
+    EXPECT_DOUBLE_EQ(data.room.bottom[1], 22);
+    EXPECT_THAT(data.correction.x[4], IsNan());
+    EXPECT_THAT(data.room.top[4], IsNan());
+}
+
+// The middle of the nine rendered frames is frame 5, moved by (2, 4).
+TEST_F(ReportOfASweep, DrawsTheCropOnTheMiddleFrame) {
+    EXPECT_EQ(data.cropView.frame, 5);
+    const auto at = [](double x, double y) {
+        return testing::AllOf(testing::Field(&PicturePoint::x, DoubleEq(x)),
+                              testing::Field(&PicturePoint::y, DoubleEq(y)));
+    };
+    EXPECT_THAT(data.cropView.shown,
+                ElementsAre(at(30, 20), at(286, 20), at(286, 212), at(30, 212)));
+}
+
+// The frame is turned by the angle of the 3-4-5 triangle and moved by (10, -4); the crop is the
+// pixel (100, 50), whose corners show the frame's points (103.7, -10.9), (104.5, -11.5), (105.1,
+// -10.7) and (104.3, -10.1).
+TEST(ReportData, MeasuresRoomAndCorrectionOfATurnedFrame) {
+    auto raw = sampleRecord();
+    raw.numFrames = 1;
+    raw.startIndex = raw.endIndex = 0;
+    constexpr std::int32_t crop[] = {100, 50, 1, 1};
+    std::ranges::copy(crop, raw.cropParam);
+    constexpr std::int32_t matrix[] = {800000, -600000,  0,       600000, 800000,
+                                       0,      -5600000, 9200000, 1000000};
+    std::ranges::copy(matrix, raw.renderMat[0]);
+    const ReportData data = reportData(opened(raw), std::vector<SweepRow>{{0, 0, 0, 1, false}}, {});
+    EXPECT_NEAR(data.correction.angle[0], 36.8699, 1e-4);
+    EXPECT_NEAR(data.correction.x[0], 305.9 - 639.5, 1e-9);
+    EXPECT_NEAR(data.correction.y[0], 667.3 - 359.5, 1e-9);
+    EXPECT_NEAR(data.room.left[0], 104.2, 1e-9);
+    EXPECT_NEAR(data.room.right[0], 1280 - 105.6, 1e-9);
+    EXPECT_NEAR(data.room.top[0], -11, 1e-9);
+    EXPECT_NEAR(data.room.bottom[0], 720 + 9.6, 1e-9);
+}
+
+TEST(ReportData, TellsWhichFeedbackStepPassed) {
+    const auto stepOf = [](float shake) {
+        std::vector<SweepRow> rows(10);
+        for (int i = 0; i < 10; ++i)
+            rows[i] = {i % 2 ? shake : -shake, 0, 0, 1, i > 1};
+        return reportData(opened(AnalyticSweep().record()), rows, {});
+    };
+    const ReportData still = stepOf(0);
+    EXPECT_EQ(still.feedbackStep, 0);
+    EXPECT_EQ(still.smoothed.x[9], 0);
+    EXPECT_THAT(still.repeatedWarning, testing::Optional(testing::HasSubstr("8 of 10 frames")));
+    EXPECT_FALSE(stepOf(300).feedbackStep);
+}
+
+SavedSummary summaryOf(int frames, int width) {
+    SavedSummary summary;
+    summary.frames = frames;
+    summary.width = width;
+    summary.height = AnalyticSweep::height;
+    return summary;
+}
+
+TEST(ReportData, RefusesTheSummaryOfAnotherSweep) {
+    const RecordReader record = opened(AnalyticSweep().record());
+    EXPECT_TRUE(reportData(record, measuredPath(), summaryOf(10, 320)).capture);
+    for (const auto& other : {summaryOf(9, 320), summaryOf(10, 322)})
+        EXPECT_THROW(reportData(record, measuredPath(), other), ToolError);
+}
+
+TEST(SavedSummary, ReadsWhatACaptureWrote) {
+    Summary written;
+    written.video = "/home/someone/films/a \"film\".mp4";
+    written.width = 640;
+    written.height = 480;
+    written.frames = 7;
+    written.truncated = true;
+    written.seconds.decode = 1.5;
+    written.seconds.total = 2;
+    const SavedSummary read = parseSavedSummary(toJsonText(written));
+    EXPECT_EQ(read.video, "a \"film\".mp4");
+    EXPECT_EQ(read.width, 640);
+    EXPECT_EQ(read.height, 480);
+    EXPECT_EQ(read.frames, 7);
+    EXPECT_TRUE(read.truncated);
+    EXPECT_EQ(read.seconds.decode, 1.5);
+    EXPECT_EQ(read.seconds.total, 2);
+}
+
+TEST(SavedSummary, IsNotThereOrWhole) {
+    const tool_test::TestDirectory directory;
+    EXPECT_FALSE(readSavedSummary(directory / "sweep.json"));
+    for (
+        const char* text :
+        {"", "{", "[]", "{}", R"({"video": "a", "width": 1, "height": 1, "frames": "many"})",
+         R"({"video": "a", "width": 1, "height": 1, "frames": 1, "truncated": false, "seconds": {"decode": -1}})"})
+        EXPECT_THROW(parseSavedSummary(text), ToolError) << text;
+}
+
+}  // namespace
+}  // namespace orbitwalk::tool

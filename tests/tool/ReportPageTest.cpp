@@ -1,0 +1,80 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "report/Base64.h"
+#include "report/ReportJson.h"
+#include "report/ReportPage.h"
+#include "support/SampleRecord.h"
+
+namespace orbitwalk::tool {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(Base64, PadsTheLastGroup) {
+    EXPECT_EQ(base64(""), "");
+    EXPECT_EQ(base64("f"), "Zg==");
+    EXPECT_EQ(base64("fo"), "Zm8=");
+    EXPECT_EQ(base64("foo"), "Zm9v");
+    EXPECT_EQ(base64("foobar"), "Zm9vYmFy");
+    EXPECT_EQ(base64("\xff\xfe\xfd"), "//79");
+}
+
+ReportData smallData(const std::string& video) {
+    ReportData data;
+    data.capture.emplace().video = video;
+    data.frames = 2;
+    data.motion = Track(2);
+    data.motion.x[1] = 2.00049;
+    data.motion.angle[1] = -0.123456789;
+    return data;
+}
+
+TEST(ReportJson, RoundsValuesAndLeavesMissingOnesOut) {
+    const auto json =
+        nlohmann::json::parse(reportJson(smallData("a.mp4"), {{{4, "f", "fo"}}, "foo"}));
+    EXPECT_EQ(json.at("motion").at("x"), nlohmann::json({nullptr, 2.0}));
+    EXPECT_EQ(json.at("motion").at("angle"), nlohmann::json({nullptr, -0.12346}));
+    EXPECT_EQ(json.at("feedbackStep"), nullptr);
+    EXPECT_EQ(json.at("pictures").at("crop"), "data:image/jpeg;base64,Zm9v");
+    EXPECT_EQ(json.at("pictures").at("strip").at(0).at("steady"), "data:image/jpeg;base64,Zm8=");
+}
+
+TEST(ReportJson, MayStandInsideAScriptElement) {
+    const std::string hostile = "</script><!--<script> \" \\ ]]> & \xc3\xa9";
+    const std::string text = reportJson(smallData(hostile), {});
+    EXPECT_EQ(text.find('<'), std::string::npos);
+    EXPECT_EQ(nlohmann::json::parse(text).at("capture").at("video"), hostile);
+    EXPECT_NO_THROW(nlohmann::json::parse(reportJson(smallData("no UTF-8: \xff"), {})));
+}
+
+TEST(ReportPage, HasNoReferenceToAnythingOutside) {
+    const std::string page = reportPage("{}");
+    for (const char* outside :
+         {R"((src|href|action|data|poster)\s*=\s*["']?\s*(https?:|//))",
+          R"(url\(\s*["']?\s*(https?:|//))", R"(@import)", R"(\bimport\s*\(|\bimport\s+["'{*])",
+          R"(<link\b)", R"(\bfetch\s*\(|XMLHttpRequest|sendBeacon|WebSocket)"})
+        EXPECT_FALSE(std::regex_search(page, std::regex(outside, std::regex::icase))) << outside;
+    EXPECT_THAT(page, HasSubstr("default-src 'none'"));
+}
+
+TEST(ReportPage, IsWhole) {
+    const std::string page = reportPage(R"({"here": "the data"})");
+    EXPECT_THAT(
+        page,
+        HasSubstr(R"(<script type="application/json" id="data">{"here": "the data"}</script>)"));
+    EXPECT_THAT(page, HasSubstr("Copyright (c) 2022 Leon Sorokin"));
+    EXPECT_THAT(
+        page, HasSubstr("The above copyright notice and this permission notice shall be included"));
+    EXPECT_THAT(page, HasSubstr("var uPlot="));
+    EXPECT_THAT(page, HasSubstr(".u-legend"));
+    EXPECT_THAT(page, HasSubstr("window.reportPlots"));
+    EXPECT_EQ(page.find("{{"), std::string::npos);
+    EXPECT_TRUE(page.ends_with("</html>\n"));
+}
+
+}  // namespace
+}  // namespace orbitwalk::tool

@@ -1,0 +1,69 @@
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "commands/Commands.h"
+#include "common/OutputFiles.h"
+#include "common/ProgressBar.h"
+#include "common/SignalGuard.h"
+#include "common/SweepFiles.h"
+#include "report/Pictures.h"
+#include "report/ReportData.h"
+#include "report/ReportJson.h"
+#include "report/ReportPage.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct ReportOptions {
+    fs::path directory;
+    fs::path page;
+};
+
+ReportPictures readPictures(const Sweep& sweep, const ReportData& data,
+                            const SignalGuard& signals) {
+    ProgressBar bar("Reading", data.rendered);
+    return reportPictures(sweep, data.cropView.frame, [&](int done) {
+        bar.update(done);
+        signals.check();
+    });
+}
+
+void writeReport(const ReportOptions& options) {
+    refuseTakenNames(options.directory, {options.page});
+    const SignalGuard signals;
+    const Sweep sweep = openSweep(options.directory);
+    const auto path = readSweepTable(sweep.path, sweep.record.frameCount());
+    const ReportData data =
+        reportData(sweep.record, path, readSavedSummary(options.directory / kSweepSummaryName));
+    OutputFiles files(options.page.parent_path());
+    std::FILE* const stream = files.create(options.page.filename());
+    const std::string page = reportPage(reportJson(data, readPictures(sweep, data, signals)));
+    // A write that fails shows in the stream's error flag, which the commit looks at.
+    std::fwrite(page.data(), 1, page.size(), stream);
+    files.commit();
+    std::printf("%s: report on %d frames, %.1f MB\n", options.page.c_str(), data.frames,
+                static_cast<double>(page.size()) / 1e6);
+}
+
+}  // namespace
+
+void addReportCommand(CLI::App& app) {
+    auto* command = app.add_subcommand(
+        "report", "Write one web page about a captured sweep: paths, corrections, crop, pictures");
+    const auto options = std::make_shared<ReportOptions>();
+    command
+        ->add_option("DIR", options->directory,
+                     "What capture wrote: sweep.mp4, .obw, .csv and, for the times, .json")
+        ->required();
+    command
+        ->add_option("-o,--output", options->page,
+                     "Page to write, HTML; it needs no other file and no network")
+        ->required();
+    command->callback([options] { writeReport(*options); });
+}
+
+}  // namespace orbitwalk::tool

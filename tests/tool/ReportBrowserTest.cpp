@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -39,6 +41,16 @@ const drawn = async ({plot, title}) => {
     const atOne = Object.fromEntries(plot.series.slice(1).map(({label}, i) => [label, plot.data[i + 1][1]]));
     return {title, lines, atOne};
 };
+const colours = picture => {
+    const canvas = document.createElement("canvas"), all = [];
+    [canvas.width, canvas.height] = [picture.naturalWidth, picture.naturalHeight];
+    const context = canvas.getContext("2d");
+    context.drawImage(picture, 0, 0);
+    for (let y = 20; y < canvas.height; y += 40)
+        for (let x = 20; x < canvas.width; x += 40)
+            all.push([x, y, ...context.getImageData(x, y, 1, 1).data]);
+    return all;
+};
 await new Promise(loaded => addEventListener("load", loaded));
 const found = {plots: []};
 for (const one of reportPlots)
@@ -47,6 +59,7 @@ const [first] = reportPlots;
 first.plot.setData(first.plot.data.map((values, i) => i === 0 ? values : values.map(() => null)));
 found.emptied = (await drawn(first)).lines;
 found.pictures = [...document.images].map(picture => [picture.naturalWidth, picture.naturalHeight]);
+found.colours = [...document.images].map(colours);
 found.title = document.getElementById("title").textContent;
 found.texts = [...document.querySelectorAll("dd, .warning, #time td")].map(one => one.textContent);
 found.rectangle = ["x", "y", "width", "height"].map(name => Number(document.querySelector("svg rect").getAttribute(name)));
@@ -81,9 +94,7 @@ class ReportInBrowser : public testing::Test {
 
     std::string report() const {
         const ToolRun run = runTool({"report", directory / "sweep", "-o", directory / "r.html"},
-                                    {.environment = {{"TSAN_OPTIONS", "detect_deadlocks=0"}},
-                                     .fileSizeLimit = {},
-                                     .signalAfter = {}});
+                                    usingPictureCodecs());
         EXPECT_EQ(run.exitCode, 0) << run.err;
         return contentOf(directory / "r.html");
     }
@@ -114,10 +125,21 @@ const json& plotOf(const json& found, const std::string& title) {
     throw std::runtime_error("no plot " + title);
 }
 
-TEST_F(ReportInBrowser, DrawsEveryLineAndShowsPicturesAndWords) {
-    const BrowserRun run = open(report(), kProbe);
-    EXPECT_THAT(run.requests, IsEmpty());
-    const json found = probed(run);
+/// Mean difference of a picture's luma from a window of the scene.
+/// @param scale  scene pixels a pixel of the picture.
+double lumaError(const json& colours, double left, double top, double scale) {
+    double sum = 0;
+    for (const auto& [x, y, red, green, blue, alpha] :
+         colours.get<std::vector<std::array<double, 6>>>()) {
+        const double luma = 16 + 219 * (0.299 * red + 0.587 * green + 0.114 * blue) / 255;
+        const double sceneX = left + (x + 0.5) * scale - 0.5;
+        const double sceneY = top + (y + 0.5) * scale - 0.5;
+        sum += std::abs(luma - sceneAt(sceneX, sceneY).y);
+    }
+    return sum / static_cast<double>(colours.size());
+}
+
+void expectLines(const json& found) {
     const auto& plots = found.at("plots");
     ASSERT_EQ(plots.size(), 10u);
     for (const json& plot : plots)
@@ -138,10 +160,25 @@ TEST_F(ReportInBrowser, DrawsEveryLineAndShowsPicturesAndWords) {
     EXPECT_EQ(found.at("emptied").size(), 4u);
     for (const auto& [line, pixels] : found.at("emptied").items())
         EXPECT_EQ(pixels, 0) << "what no line draws counts as " << line;
+}
 
-    EXPECT_EQ(found.at("title"), kHostileName);
+void expectPictures(const json& found) {
     EXPECT_EQ(found.at("rectangle"), json({32, 24, 256, 192}));
     EXPECT_EQ(found.at("pictures"), json(std::vector(13, std::pair(320, 240))));
+    // The strip shows the frames 0, 1, 3, 5, 7 and 9, the crop is drawn on frame 5.
+    const json& colours = found.at("colours");
+    constexpr double kNear = 8;
+    EXPECT_LT(lumaError(colours[2], AnalyticSweep::left(1), AnalyticSweep::top(1), 1), kNear)
+        << "recorded";
+    EXPECT_LT(lumaError(colours[3], 8 + 32, 1 + 24, 0.8), kNear) << "steady";
+    EXPECT_LT(lumaError(colours[12], AnalyticSweep::left(5), AnalyticSweep::top(5), 1), kNear)
+        << "crop";
+    EXPECT_GT(lumaError(colours[12], AnalyticSweep::left(5) + 8, AnalyticSweep::top(5), 1), kNear)
+        << "off";
+}
+
+void expectWords(const json& found) {
+    EXPECT_EQ(found.at("title"), kHostileName);
     for (const char* text : {kHostileName, "320 × 240 px", "9 in the range 0 to 9",
                              "80.0 % of the width, 80.0 % of the height", "2 of 10 frames (20.0 %)",
                              "decode the video", "250 ms", "500 ms"})
@@ -150,6 +187,15 @@ TEST_F(ReportInBrowser, DrawsEveryLineAndShowsPicturesAndWords) {
                 testing::Contains(testing::ResultOf(
                     [](const json& text) { return text.get<std::string>(); },
                     HasSubstr("Warning: 2 of 10 frames repeat the last motion"))));
+}
+
+TEST_F(ReportInBrowser, DrawsEveryLineAndShowsPicturesAndWords) {
+    const BrowserRun run = open(report(), kProbe);
+    EXPECT_THAT(run.requests, IsEmpty());
+    const json found = probed(run);
+    expectLines(found);
+    expectPictures(found);
+    expectWords(found);
 }
 
 TEST_F(ReportInBrowser, MayNotUseTheNetwork) {

@@ -18,11 +18,9 @@ class ReportCommand : public testing::Test {
     ReportCommand() { sweep.write(input); }
 
     ToolRun report(const std::string& output, std::optional<long> fileSizeLimit = {}) const {
-        // OpenCV's picture codecs load a library that takes its own two locks in either order.
-        return runTool({"report", input.string(), "-o", output},
-                       {.environment = {{"TSAN_OPTIONS", "detect_deadlocks=0"}},
-                        .fileSizeLimit = fileSizeLimit,
-                        .signalAfter = {}});
+        RunOptions options = usingPictureCodecs();
+        options.fileSizeLimit = fileSizeLimit;
+        return runTool({"report", input.string(), "-o", output}, options);
     }
 
     const AnalyticSweep sweep{};

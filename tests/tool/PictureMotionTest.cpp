@@ -90,19 +90,22 @@ double powerAt(const std::vector<double>& values, double frequencyHz, double rat
     return std::norm(sum) / double(values.size());
 }
 
-TEST(HandShake, IsSlowDriftWithALittleTremorAndNothingElse) {
+TEST(HandShake, IsSlowDriftWithTheTremorAskedAndNothingElse) {
     constexpr double rate = 60;
-    const auto values = handShake(1200, rate, 8, cv::RNG(5));
+    std::vector<double> values;
     const auto strongest = [&](double from, double to) {
         double most = 0;
         for (double hz = from; hz <= to; hz += 0.05)
             most = std::max(most, powerAt(values, hz, rate));
         return most;
     };
-    const double drift = strongest(0.5, 3), tremor = strongest(8, 12);
-    EXPECT_GT(tremor, 3 * strongest(5, 7));
-    EXPECT_GT(tremor, 3 * strongest(14, 30));
-    EXPECT_GT(drift, 10 * tremor);
+    for (const double share : {0.2, 4.0}) {
+        values = handShake(1200, rate, {8, share}, cv::RNG(5));
+        const double drift = strongest(0.5, 3), tremor = strongest(8, 12);
+        EXPECT_GT(tremor, 3 * strongest(5, 7));
+        EXPECT_GT(tremor, 3 * strongest(14, 30));
+        EXPECT_GT(share < 1 ? drift : tremor, 10 * std::min(drift, tremor));
+    }
 }
 
 TEST(CameraPath, SweepsSteadilyAndShakesUpToTheStrengthAsked) {

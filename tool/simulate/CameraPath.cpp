@@ -24,12 +24,14 @@ cv::Point2d cameraStep(SweepDirection direction) {
 
 std::vector<CameraPose> cameraPath(const SimulationSettings& settings) {
     const double rate = static_cast<double>(settings.rate.numerator) / settings.rate.denominator;
-    const auto shake = [&](double peak, Randomness axis) {
-        return handShake(settings.frames, rate, peak, randomStream(settings.seed, axis));
+    const auto shake = [&](const ShakeStrength& strength, Randomness axis) {
+        return handShake(settings.frames, rate, strength, randomStream(settings.seed, axis));
     };
-    const auto x = shake(settings.shake, Randomness::ShakeX);
-    const auto y = shake(settings.shake, Randomness::ShakeY);
-    const auto roll = shake(settings.roll, Randomness::Roll);
+    // The arm that sweeps drifts off its line; the wrist keeps the phone level, and trembles.
+    constexpr double tremorOfPlace = 2, tremorOfRoll = 4;
+    const auto x = shake({settings.shake, tremorOfPlace}, Randomness::ShakeX);
+    const auto y = shake({settings.shake, tremorOfPlace}, Randomness::ShakeY);
+    const auto roll = shake({settings.roll, tremorOfRoll}, Randomness::Roll);
     const cv::Point2d step = cameraStep(settings.direction) * settings.speed;
     std::vector<CameraPose> poses(settings.frames);
     for (int k = 0; k < settings.frames; ++k)

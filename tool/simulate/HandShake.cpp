@@ -17,9 +17,8 @@ struct Wave {
     }
 };
 
-std::vector<Wave> handWaves(cv::RNG& random) {
+std::vector<Wave> handWaves(double tremor, cv::RNG& random) {
     constexpr int driftWaves = 8, tremorWaves = 4;
-    constexpr double tremorShare = 0.2;
     std::vector<Wave> waves;
     for (int i = 0; i < driftWaves; ++i) {
         const double frequency = random.uniform(0.5, 3.0);
@@ -27,15 +26,16 @@ std::vector<Wave> handWaves(cv::RNG& random) {
     }
     for (int i = 0; i < tremorWaves; ++i) {
         const double frequency = random.uniform(8.0, 12.0);
-        waves.push_back({tremorShare, frequency, random.uniform(0.0, 2 * CV_PI)});
+        waves.push_back({tremor, frequency, random.uniform(0.0, 2 * CV_PI)});
     }
     return waves;
 }
 
 }  // namespace
 
-std::vector<double> handShake(int frames, double framesPerSecond, double peak, cv::RNG random) {
-    const std::vector<Wave> waves = handWaves(random);
+std::vector<double> handShake(int frames, double framesPerSecond, const ShakeStrength& strength,
+                              cv::RNG random) {
+    const std::vector<Wave> waves = handWaves(strength.tremor, random);
     std::vector<double> values(frames);
     double largest = 0;
     for (int k = 0; k < frames; ++k) {
@@ -44,7 +44,7 @@ std::vector<double> handShake(int frames, double framesPerSecond, double peak, c
         largest = std::max(largest, std::abs(values[k]));
     }
     for (double& value : values)
-        value *= largest > 0 ? peak / largest : 0;
+        value *= largest > 0 ? strength.peak / largest : 0;
     return values;
 }
 

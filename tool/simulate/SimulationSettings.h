@@ -24,7 +24,7 @@ struct SimulationSettings {
     SweepDirection direction = SweepDirection::Left2Right;
     double speed = 12;         ///< Pixels a frame.
     double shake = 8;          ///< Largest departure from the straight sweep, pixels an axis.
-    double roll = 0.02;        ///< Largest departure from level, radians.
+    double roll = 0.008;       ///< Largest departure from level, radians.
     double softness = 1;       ///< Sigma of the lens's Gaussian, pixels.
     double noise = 1.5;        ///< Root mean square of the luma's noise, grey levels.
     double exposureDrift = 0;  ///< Change of brightness from first to last frame; 0.1: 10 % up.

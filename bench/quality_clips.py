@@ -21,8 +21,8 @@ class Clip:
 
 
 SIMULATED = [
-    Clip("720p slow", "1280x720", 60, ["--speed", 4, "--shake", 5]),
-    Clip("720p upright", "720x1280", 60, ["--speed", 8, "--shake", 6]),
+    Clip("720p slow", "1280x720", 60, ["--speed", 4, "--shake", 5, "--roll", 0.004]),
+    Clip("720p upright", "720x1280", 60, ["--speed", 8, "--shake", 6, "--roll", 0.004]),
     Clip("1080p", "1920x1080", 60, ["--speed", 12, "--shake", 8]),
     Clip("1080p portrait", "1920x1080", 60, ["--speed", 12, "--shake", 8, "--direction", "top2bottom"], 90),
     Clip("1080p right to left", "1920x1080", 60, ["--speed", 12, "--shake", 8, "--direction", "right2left"]),

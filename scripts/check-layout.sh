@@ -26,6 +26,9 @@ forbid src/findTransform "stages know neither the engine nor each other" engine/
 forbid src/stabilization "stages know neither the engine nor each other" engine/ frameproc/ findTransform/
 forbid src "the engine does not know its hosts" media/ opencv2/videoio opencv2/highgui opencv2/imgcodecs
 forbid tool "the tool is a client, never an insider" engine/ frameproc/ findTransform/ opencv2/videoio opencv2/highgui
+while IFS= read -r file; do
+    complain "$file: only SmoothedPath looks into the stabiliser"
+done < <(grep -rlE '^#include "stabilization/' tool | grep -v '^tool/common/SmoothedPath\.cpp$')
 forbid include "public headers stand alone" engine/ frameproc/ findTransform/ stabilization/ media/
 
 while IFS= read -r file; do

@@ -9,7 +9,7 @@ packages_build=(
     npm
 )
 packages_demo=(lomiri-wallpapers-16.04)
-packages_quality=(ffmpeg)
+packages_pictures=(chromium ffmpeg)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium)
 
 # is_there NAME: the package is installed, or the command npm for the package of that name: Node.js from another

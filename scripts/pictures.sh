@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
-install_packages chromium ffmpeg
+install_packages "${packages_pictures[@]}"
 scripts/sweep.sh
 
 work=$(mktemp -d)

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "media/VideoWriter.h"
+#include "tool/AnalyticSweep.h"
 #include "tool/EvaluateScene.h"
 #include "tool/RunTool.h"
 #include "tool/TestDirectory.h"
@@ -99,6 +100,22 @@ TEST(EvaluateCommand, MeasuresACaptureAgainstItsTruth) {
     writeFile(truth, "frame,dx,dy,da,x,y,a\n0,0,0,0,0,0,0\n");
     EXPECT_THAT(runTool({"evaluate", sweep, "--truth", truth}).err,
                 HasSubstr("it has 1 frames, the sweep has 12"));
+}
+
+TEST(EvaluateCommand, JudgesARenderingMirroredAsThePreviewWas) {
+    const TestDirectory directory;
+    const AnalyticSweep sweep;
+    const std::string input = directory / "sweep", steady = directory / "steady.mp4";
+    sweep.write(input);
+    auto record = sweep.record();
+    record.frontCameraFlipped = 1;
+    sweep.writeRecord(directory / "sweep/sweep.obw", record);
+    ASSERT_EQ(runTool({"render", input, "-o", steady}).exitCode, 0);
+    const ToolRun run = runTool({"evaluate", input, "--video", steady, "--json"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto source = nlohmann::json::parse(run.out).at("video").at("source");
+    EXPECT_EQ(source.at("unregistered"), 0);
+    EXPECT_NEAR(source.at("keptView"), 256 * 192 / (320 * 240.0), 0.01);
 }
 
 TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {

@@ -65,9 +65,10 @@ int countFrames(const fs::path& file) {
 std::optional<Source> sourceOf(const EvaluateOptions& options, const std::optional<Sweep>& sweep) {
     if (!sweep)
         return options.against.empty() ? std::nullopt
-                                       : std::make_optional<Source>({options.against, {}});
+                                       : std::make_optional<Source>({options.against, {}, false});
     return Source{options.against.empty() ? sweep->video : options.against,
-                  framesShown(sweep->record, countFrames(options.video))};
+                  framesShown(sweep->record, countFrames(options.video)),
+                  sweep->record.isFlipped()};
 }
 
 VideoQuality judge(const EvaluateOptions& options, const std::optional<Sweep>& sweep) {

@@ -12,8 +12,9 @@ namespace orbitwalk::tool {
 /// Brightness of a video's frames, one after the other. One thread at a time.
 class LumaVideo {
   public:
+    /// @param mirrored  give the frames left to right.
     /// @throws MediaError, as all of it.
-    explicit LumaVideo(const std::filesystem::path& file);
+    explicit LumaVideo(const std::filesystem::path& file, bool mirrored = false);
 
     cv::Size size() const { return {mVideo.width(), mVideo.height()}; }
     std::int64_t expectedFrames() const { return mVideo.expectedFrames(); }
@@ -25,6 +26,7 @@ class LumaVideo {
 
   private:
     media::VideoReader mVideo;
+    bool mMirrored;
     std::vector<std::uint8_t> mPixels;
     cv::Mat1b mLuma;
     int mFramesRead = 0;

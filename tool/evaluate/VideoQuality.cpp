@@ -28,7 +28,8 @@ class Mean {
 /// The source's side of the judgement, frame by frame beside the video.
 class Comparison {
   public:
-    explicit Comparison(const Source& source) : mSource(source), mVideo(source.video) {}
+    explicit Comparison(const Source& source)
+        : mSource(source), mVideo(source.video, source.mirrored) {}
 
     /// @param index  of the video's frame.
     void take(int index, const cv::Mat1b& picture) {

@@ -36,6 +36,7 @@ struct Source {
     std::filesystem::path video;
     /// Source frame of each frame of the video; never falls. Empty: the frames correspond.
     std::vector<int> frames;
+    bool mirrored = false;  ///< The video shows the source left to right.
 };
 
 /// Judges a video by its pictures alone.

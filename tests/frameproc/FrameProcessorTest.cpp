@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -36,13 +35,6 @@ class FrameProcessor : public testing::Test {
         return processor.sendFrame(frame.data(), 12);
     }
 
-    static std::vector<int> encoded() {
-        std::vector<int> values;
-        for (const auto& frame : fake_writer::record().frames)
-            values.push_back(frame[0]);
-        return values;
-    }
-
     static std::vector<std::string> log() {
         return fake_platform::logTexts("ORBITWALK_ENGINE FRAME_PROCESSOR");
     }
@@ -66,10 +58,7 @@ TEST_F(FrameProcessor, TakesFramesUpToItsOwnSize) {
 
 TEST_F(FrameProcessor, RefusesSizesThatDoNotFit) {
     auto bad = params();
-    bad.width = bad.height = std::numeric_limits<std::int32_t>::max();
-    EXPECT_THROW(Processor{bad}, std::length_error);
     bad.width = -4;
-    bad.height = 2;
     EXPECT_THROW(Processor{bad}, std::length_error);
     EXPECT_THROW(Processor{params(0)}, std::length_error);
 }
@@ -83,24 +72,8 @@ TEST_F(FrameProcessor, EncodesFramesThatWereSentBeforeItsStart) {
     EXPECT_EQ(processor.start(), 1);
     send(processor, 3);
     EXPECT_EQ(processor.stop(), 0);
-    EXPECT_THAT(encoded(), ElementsAre(1, 2, 3));
+    EXPECT_THAT(fake_writer::firstBytes(), ElementsAre(1, 2, 3));
     EXPECT_EQ(log()[5], "OBW_FrameProcessor::getEmptyBuffer -- done");
-}
-
-TEST_F(FrameProcessor, KeepsEveryFrameWhileTheWriterStalls) {
-    fake_writer::closeGate();
-    Processor processor(params());
-    processor.start();
-    for (unsigned char i = 0; i < 40; ++i)
-        EXPECT_EQ(send(processor, i), 1);
-    EXPECT_TRUE(fake_writer::waitForEntered(1));
-    EXPECT_GE(fake_platform::countLogPrefix("SPMCQueue resizing from "), 25);
-    fake_writer::openGate();
-    EXPECT_EQ(processor.stop(), 0);
-    std::vector<int> all;
-    for (int i = 0; i < 40; ++i)
-        all.push_back(i);
-    EXPECT_EQ(encoded(), all);
 }
 
 TEST_F(FrameProcessor, DropsQueuedFramesAtAnAbortAndClosesTheWriter) {
@@ -120,7 +93,7 @@ TEST_F(FrameProcessor, DropsQueuedFramesAtAnAbortAndClosesTheWriter) {
             std::this_thread::yield();
         fake_writer::openGate();
         EXPECT_EQ(aborted.get(), result == 1 ? 0 : -1);
-        EXPECT_THAT(encoded(), ElementsAre(0));
+        EXPECT_THAT(fake_writer::firstBytes(), ElementsAre(0));
         EXPECT_EQ(fake_writer::record().deinits, 1);
         EXPECT_THAT(
             log(),
@@ -149,11 +122,10 @@ TEST_F(FrameProcessor, IsStoppedByItsDestructor) {
         processor.start();
         send(processor, 1);
     }
-    EXPECT_THAT(encoded(), ElementsAre(1));
+    EXPECT_THAT(fake_writer::firstBytes(), ElementsAre(1));
     EXPECT_EQ(fake_writer::record().deinits, 1);
-    const auto lines = log();
     EXPECT_EQ(fake_platform::countLog("::~OBW_FrameProcessor -- enter : mIsRunning=1"), 1);
-    EXPECT_EQ(lines.back(), "::~OBW_FrameProcessor -- done");
+    EXPECT_EQ(log().back(), "::~OBW_FrameProcessor -- done");
 }
 
 TEST_F(FrameProcessor, LabelsItsLinesByTypeAndProcess) {

@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
-#include <numeric>
 #include <stdexcept>
-#include <vector>
 
 #include "frameproc/FrameSize.h"
 
@@ -28,29 +25,6 @@ TEST(Ring, GrowsAtTheWritePosition) {
     for (const auto& c : cases)
         EXPECT_EQ(ring::growByOne(c.full), c.growth)
             << c.full.length << " slots, write " << c.full.writeCount;
-}
-
-TEST(Ring, KeepsTheOrderOfReadingAtEveryWritePosition) {
-    for (std::int32_t length = 2; length <= 6; ++length) {
-        for (std::int32_t write = length - 1; write < 3 * length; ++write) {
-            const ring::Positions full{length, write, write - (length - 1), length - 1};
-            ASSERT_TRUE(ring::isFull(full, 1));
-            std::vector<int> slots(length);
-            std::iota(slots.begin(), slots.end(), 100);
-            std::vector<int> before, after;
-            for (int i = 0; i < full.pending; ++i)
-                before.push_back(slots[(full.readIndex + i) % length]);
-
-            const ring::Growth growth = ring::growByOne(full);
-            std::rotate(slots.begin(), slots.begin() + growth.rotation, slots.end());
-            slots.push_back(-1);
-            for (int i = 0; i < full.pending; ++i)
-                after.push_back(slots[(growth.grown.readIndex + i) % growth.grown.length]);
-            EXPECT_EQ(after, before) << length << " slots, write " << write;
-            EXPECT_EQ(slots[growth.grown.writeCount % growth.grown.length], -1);
-            EXPECT_FALSE(ring::isFull(growth.grown, 1));
-        }
-    }
 }
 
 TEST(Ring, TakesTheUnsignedRemainder) {

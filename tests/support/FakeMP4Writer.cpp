@@ -102,4 +102,11 @@ Record record() {
     return calls;
 }
 
+std::vector<int> firstBytes() {
+    std::vector<int> bytes;
+    for (const auto& frame : record().frames)
+        bytes.push_back(frame[0]);
+    return bytes;
+}
+
 }  // namespace fake_writer

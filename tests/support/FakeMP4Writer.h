@@ -38,5 +38,7 @@ void openGate();
 /// seconds.
 bool waitForEntered(int n);
 Record record();
+/// First byte of each frame that EncodeFrame got.
+std::vector<int> firstBytes();
 
 }  // namespace fake_writer

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <memory>
 #include <random>
@@ -66,12 +65,6 @@ Trajectory motionBetween(const Trajectory& from, const Trajectory& to) {
     const double cornerX = kWidth / 5, cornerY = kHeight / 5;
     const double x = cornerX - from.x, y = cornerY - from.y;
     return {c * x - s * y + to.x - cornerX, s * x + c * y + to.y - cornerY, angle};
-}
-
-TEST(Finder, FollowsAPanByWholeReducedPixels) {
-    const Finder finder = started();
-    EXPECT_EQ(feed(finder, Trajectory{}), Trajectory{});
-    expectNear(feed(finder, Trajectory{8, 0, 0}), {8, 0, 0});
 }
 
 TEST(Finder, SumsTheMotionsOfAShakyPan) {
@@ -144,17 +137,17 @@ TEST(Finder, KeepsItsPictureWhenASecondSizeIsRefused) {
 
 TEST(Finder, TakesAnySizeThatLeavesAReducedPixel) {
     std::mt19937 random(1);
-    for (const auto& [width, height] : std::vector<std::array<int, 2>>{{4, 4},
-                                                                       {8, 8},
-                                                                       {16, 16},
-                                                                       {32, 32},
-                                                                       {36, 180},
-                                                                       {4, 4000},
-                                                                       {4000, 4},
-                                                                       {32767, 4},
-                                                                       {4000, 32},
-                                                                       {32, 4000},
-                                                                       {260, 260}}) {
+    for (const auto& [width, height] : {std::pair{4, 4},
+                                        {8, 8},
+                                        {16, 16},
+                                        {32, 32},
+                                        {36, 180},
+                                        {4, 4000},
+                                        {4000, 4},
+                                        {32767, 4},
+                                        {4000, 32},
+                                        {32, 4000},
+                                        {260, 260}}) {
         const Finder finder = started(width, height);
         for (int i = 0; i < 3; ++i) {
             std::vector<unsigned char> noise(static_cast<std::size_t>(width) * height);

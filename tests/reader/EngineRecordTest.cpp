@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <random>
 
 #include "orbitwalk/RecordReader.h"
@@ -41,17 +42,22 @@ __kelOBWKDXMetaData headerOf(Generator& random) {
     return record;
 }
 
-/// A sweep at a constant speed with shake; the scale goes from still over a pan to nonsense.
+/// A sweep at a constant speed with shake; the scale goes from still over a pan to nonsense, and
+/// some have positions that are no usable numbers.
 void sendPath(Generator& random, iVideoStabilization& stabilizer, int positions) {
     const double scale =
         std::pow(10, oneOf(random, {0, 0, 0, 1}) ? between(random, 3, 12) : between(random, -3, 3));
     const double speed = between(random, -1, 1) * scale;
     const double shake = scale * oneOf(random, {0, 1, 10}) / 10;
     const double roll = oneOf(random, {0, 0, 1, 1000}) * 0.002;
-    for (int i = 1; i <= positions; ++i)
-        stabilizer.sendTransformationMatrix(speed * i + between(random, -1, 1) * shake,
-                                            between(random, -1, 1) * shake,
-                                            between(random, -1, 1) * roll);
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const double hostile[] = {std::nan(""), infinity, -infinity, 1e9, -1e30, 1e308};
+    for (int i = 1; i <= positions; ++i) {
+        const double odd = random() % 50 == 0 ? hostile[random() % std::size(hostile)] : 0;
+        stabilizer.sendTransformationMatrix(speed * i + between(random, -1, 1) * shake + odd,
+                                            between(random, -1, 1) * shake - odd,
+                                            between(random, -1, 1) * roll + odd);
+    }
 }
 
 TEST(EngineRecord, OpensWhateverThePathWas) {

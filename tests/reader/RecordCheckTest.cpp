@@ -36,8 +36,11 @@ void setCrop(Record& r, int x, int y, int width, int height) {
     std::ranges::copy(crop, r.cropParam);
 }
 
-void setMatrix(std::int32_t (&matrix)[9], std::initializer_list<std::int32_t> elements) {
-    std::ranges::copy(elements, matrix);
+/// The first elements of a frame's matrix.
+Change setMatrix(int frame, std::initializer_list<std::int32_t> elements) {
+    return [frame, values = std::vector(elements)](Record& r) {
+        std::ranges::copy(values, r.renderMat[frame]);
+    };
 }
 
 TEST(RecordCheck, RefusesBytesThatAreNotExactlyOneRecord) {
@@ -81,27 +84,11 @@ TEST(RecordCheck, RefusesWhatCannotBePlayedAndSaysWhy) {
         {RecordFault::MatrixForm, [](Record& r) { r.renderMat[11][2] = 2; }},
         {RecordFault::MatrixForm, [](Record& r) { r.rightBorderMat[5][5] = -2; }},
         {RecordFault::MatrixForm, [](Record& r) { r.leftBorderMat[0][8] = 0; }},
-        {RecordFault::MatrixForm,
-         [](Record& r) {
-             setMatrix(r.renderMat[3], {0});
-             r.renderMat[3][8] = 0;
-         }},
-        {RecordFault::MatrixSingular,
-         [](Record& r) {
-             setMatrix(r.renderMat[0], {0, 0, 0, 0, 0});
-         }},
-        {RecordFault::MatrixSingular,
-         [](Record& r) {
-             setMatrix(r.renderMat[7], {600000, 800000, 0, 300000, 400000});
-         }},
-        {RecordFault::MatrixSingular,
-         [](Record& r) {
-             setMatrix(r.renderMat[7], {150, 0, 0, 0, 150});
-         }},
-        {RecordFault::MatrixSingular,
-         [](Record& r) {
-             setMatrix(r.renderMat[7], {least, least, 0, least, least});
-         }},
+        {RecordFault::MatrixForm, setMatrix(3, {0, 0, 0, 0, 0, 0, 0, 0, 0})},
+        {RecordFault::MatrixSingular, setMatrix(0, {0, 0, 0, 0, 0})},
+        {RecordFault::MatrixSingular, setMatrix(7, {600000, 800000, 0, 300000, 400000})},
+        {RecordFault::MatrixSingular, setMatrix(7, {150, 0, 0, 0, 150})},
+        {RecordFault::MatrixSingular, setMatrix(7, {least, least, 0, least, least})},
     };
     int index = 0;
     for (const auto& [fault, change] : cases)
@@ -121,18 +108,11 @@ TEST(RecordCheck, TakesEverythingThatTheEngineWrites) {
         {"fallback without correction", [](Record& r) { setCrop(r, 0, 0, 1279, 719); }},
         {"orientation of a careless caller", [](Record& r) { r.orientation = -45; }},
         {"flags of a careless caller", [](Record& r) { r.renderFlag[0] = least; }},
-        {"translations that saturated",
-         [](Record& r) {
-             setMatrix(r.renderMat[4], {1000000, 0, 0, 0, 1000000, 0, least, most});
-         }},
+        {"translations that saturated", setMatrix(4, {1000000, 0, 0, 0, 1000000, 0, least, most})},
         {"displacements that saturated", [](Record& r) { r.scaledInputTransform[9] = most; }},
         {"one truncated to 0.999999", [](Record& r) { r.renderMat[4][8] = 999999; }},
         {"no frames", [](Record& r) { r.numFrames = r.endIndex = 0; }},
-        {"matrices mirrored by the library",
-         [](Record& r) {
-             for (int i : {0, 3, 6})
-                 r.renderMat[3][i] *= -1;
-         }},
+        {"matrices mirrored by the library", setMatrix(3, {-1000000, 0, 0, 0, 1000000})},
         {"smallest frame",
          [](Record& r) {
              r.width = r.height = 4;

@@ -32,12 +32,6 @@ std::vector<int> sources(const __kelOBWKDXMetaData& record, const __kelOBWKDXMet
     return found;
 }
 
-void expectInvertible(const std::int32_t (&m)[9], int frame) {
-    const double determinant = (double(m[0]) * m[4] - double(m[1]) * m[3]) / 1e12;
-    EXPECT_NEAR(determinant, 1, 1e-4) << "frame " << frame;
-    EXPECT_NEAR(m[8], 1000000, 1) << "frame " << frame;
-}
-
 TEST(MotionRecord, HoldsWhatAComputationOfItsOwnGives) {
     // The hand-held sweep, recomputed from the method's formulas by a program of its own. Matrices
     // may differ by a unit: that one inverts in closed form, the engine by decomposition.
@@ -214,27 +208,6 @@ TEST(MotionRecord, IsLimitedToItsArrays) {
             EXPECT_EQ(stabilizer.getStabilizationInfo(record.get(), true), 0);
             EXPECT_THAT(record->reserved, Each(0));
             EXPECT_EQ(record->renderMat[999][8] != 0, frames > 1000) << frames;
-        }
-    }
-}
-
-TEST(MotionRecord, IsInvertibleWhateverThePositionsWere) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    for (double hostile : {std::nan(""), infinity, -infinity, 1e9, -1e30, 1e308}) {
-        for (int orientation : {0, 90, 180, 270, 45}) {
-            auto stabilizer = sweeps::fed(sweeps::handHeld(), kWidth, kHeight);
-            stabilizer.sendTransformationMatrix(hostile, -hostile, hostile);
-            stabilizer.sendTransformationMatrix(100, 3, 0);
-            EXPECT_EQ(stabilizer.doStabilization(0, 1, 0, 0, 0, 0, true), 0);
-            auto record = sweeps::record(kWidth, kHeight, 15);
-            record->orientation = orientation;
-            EXPECT_EQ(stabilizer.getStabilizationInfo(record.get(), true), 0);
-            for (int i = 0; i < 15; ++i)
-                expectInvertible(record->renderMat[i], i);
-            for (int i = 0; i < 6; ++i) {
-                expectInvertible(record->leftBorderMat[i], i);
-                expectInvertible(record->rightBorderMat[i], i);
-            }
         }
     }
 }

@@ -73,19 +73,6 @@ TEST(Stabilizer, SaysWhatItReceivesAndTheStagesOfItsSmoothing) {
             "__CalculateprevToCurrNewTransform output transform size 2\n"));
 }
 
-TEST(Stabilizer, RunsTheFilterUntilEnoughPictureIsLeft) {
-    for (const auto& sweep : sweeps::kFeedback) {
-        fake_platform::clearLog();
-        sweeps::smoothed(sweeps::steady(40, sweep.speed), 1000, 500);
-        const int runs = sweep.step.value_or(10) + 1;
-        EXPECT_EQ(fake_platform::countLogPrefix("Q.getResource('y'), R"), runs) << sweep.speed;
-        const auto& [minX, maxX, minY, maxY] = sweep.bounds;
-        EXPECT_EQ(fake_platform::countLog(
-                      cv::format("crop smoothing boundaries %d %d %d %d", minX, maxX, minY, maxY)),
-                  1);
-    }
-}
-
 TEST(Stabilizer, CropSmoothingPinsTheAxisAcrossTheSweep) {
     auto stabilizer = sweeps::fed({{}, {}}, 1920, 1080);
     const auto process = std::bind_front(memberOf(CropProcessKey()), &stabilizer);

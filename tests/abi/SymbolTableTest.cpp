@@ -1,20 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <set>
-#include <string>
+
+#include "support/CommandOutput.h"
 
 namespace {
 
 /// Demangled names in the library's dynamic symbol table.
 std::set<std::string> symbols(const std::string& options) {
-    std::FILE* pipe = popen(("nm -D -C -j " + options + " " ENGINE_LIBRARY).c_str(), "r");
-    std::set<std::string> names;
-    char line[4096];
-    while (std::fgets(line, sizeof line, pipe) != nullptr)
-        names.insert(std::string(line, std::string(line).find_last_not_of('\n') + 1));
-    EXPECT_EQ(pclose(pipe), 0);
-    return names;
+    const auto lines = test_support::linesOf("nm -D -C -j " + options + " " ENGINE_LIBRARY);
+    return {lines.begin(), lines.end()};
 }
 
 TEST(SymbolTable, ExportsExactlyTheEntryPointsAndTheClassesOfTheSurface) {

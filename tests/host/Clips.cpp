@@ -2,13 +2,9 @@
 
 #include <cerrno>
 #include <cmath>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 #include "media/AvSupport.h"
-#include "media/VideoReader.h"
 
 namespace clips {
 
@@ -37,32 +33,6 @@ double psnr(const Frame& a, const Frame& b) {
     for (std::size_t i = 0; i < a.size() && i < b.size(); ++i)
         squares += (a[i] - b[i]) * (a[i] - b[i]);
     return squares == 0 ? 100 : 10 * std::log10(255.0 * 255 * double(a.size()) / squares);
-}
-
-TempDir::TempDir() {
-    std::string path = (std::filesystem::temp_directory_path() / "orbitwalk-host-XXXXXX").string();
-    mPath = mkdtemp(path.data());
-}
-
-TempDir::~TempDir() {
-    std::filesystem::remove_all(mPath);
-}
-
-void writeFile(const std::filesystem::path& file, std::string_view bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
-}
-
-std::string readFile(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-}
-
-std::vector<Frame> readFrames(const std::filesystem::path& file) {
-    orbitwalk::media::VideoReader reader(file);
-    std::vector<Frame> frames;
-    for (Frame frame; reader.read(frame);)
-        frames.push_back(frame);
-    return frames;
 }
 
 std::vector<Packet> packets(const std::filesystem::path& file) {

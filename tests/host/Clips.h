@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// Small pictures and files that the host's tests make for themselves.
@@ -19,26 +18,6 @@ Frame movingWaves(int width, int height, int frame);
 Frame noise(int width, int height, int seed);
 /// Peak signal-to-noise ratio in dB over all bytes; 100 when they are equal.
 double psnr(const Frame& a, const Frame& b);
-
-/// A directory of its own, removed at the end.
-class TempDir {
-  public:
-    TempDir();
-    ~TempDir();
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
-
-    std::filesystem::path operator/(std::string_view name) const { return mPath / name; }
-
-  private:
-    std::filesystem::path mPath;
-};
-
-void writeFile(const std::filesystem::path& file, std::string_view bytes);
-std::string readFile(const std::filesystem::path& file);
-
-/// What VideoReader gives for a file, all of it.
-std::vector<Frame> readFrames(const std::filesystem::path& file);
 
 /// What the container says of each packet of the first stream.
 struct Packet {

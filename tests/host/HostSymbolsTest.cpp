@@ -1,22 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <string>
-#include <vector>
+#include "support/CommandOutput.h"
 
 namespace {
 
-/// Lines that a command prints.
-std::vector<std::string> linesOf(const std::string& command) {
-    std::FILE* pipe = popen(command.c_str(), "r");
-    std::vector<std::string> lines;
-    char line[4096];
-    while (std::fgets(line, sizeof line, pipe) != nullptr)
-        lines.emplace_back(line, std::string(line).find_last_not_of('\n') + 1);
-    EXPECT_EQ(pclose(pipe), 0);
-    return lines;
-}
+using test_support::linesOf;
 
 TEST(HostSymbols, EachLibraryExportsItsCallsAndNothingElse) {
     EXPECT_THAT(linesOf("nm -D -j --defined-only " PLATFORM_LIBRARY),

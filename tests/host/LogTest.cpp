@@ -3,58 +3,31 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <set>
-#include <sstream>
-#include <string>
-#include <vector>
+
+#include "support/CommandOutput.h"
+#include "support/TestDirectory.h"
 
 namespace {
 
+using test_support::linesOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using Lines = std::vector<std::string>;
 
-Lines linesOf(std::istream& stream) {
-    Lines lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
-
-/// What the probe prints on stdout and stderr under an environment; it must exit with 0.
+/// What the probe prints on stdout and stderr under an environment.
 Lines probe(const std::string& environment, const std::string& task = "priorities") {
-    const std::string command = "env -u ORBITWALK_LOG_LEVEL -u ORBITWALK_LOG_FILE " + environment +
-                                " " LOG_PROBE " " + task + " 2>&1";
-    std::FILE* pipe = popen(command.c_str(), "r");
-    std::string text;
-    std::array<char, 4096> chunk;
-    while (const auto n = std::fread(chunk.data(), 1, chunk.size(), pipe))
-        text.append(chunk.data(), n);
-    EXPECT_EQ(pclose(pipe), 0);
-    std::istringstream stream(text);
-    return linesOf(stream);
+    return linesOf("env -u ORBITWALK_LOG_LEVEL -u ORBITWALK_LOG_FILE " + environment +
+                   " " LOG_PROBE " " + task + " 2>&1");
 }
 
-class LogFile : public testing::Test {
-  protected:
-    LogFile() { mkdtemp(mDirectory.data()); }
-    ~LogFile() override { std::filesystem::remove_all(mDirectory); }
+struct LogFile : testing::Test {
+    Lines lines() const { return linesOf("cat " + path); }
 
-    std::string path() const { return mDirectory + "/log"; }
-    Lines lines() const {
-        std::ifstream stream(path());
-        return linesOf(stream);
-    }
-
-  private:
-    std::string mDirectory =
-        (std::filesystem::temp_directory_path() / "orbitwalk-log-XXXXXX").string();
+    const test_support::TestDirectory directory;
+    const std::string path = directory / "log";
 };
 
 TEST(Log, IsQuietUnlessTheEnvironmentOpensIt) {
@@ -87,7 +60,7 @@ TEST(Log, AnUnknownLevelIsSaidAndLeavesItQuiet) {
 }
 
 TEST_F(LogFile, IsAppendedToInPlaceOfStderr) {
-    const std::string environment = "ORBITWALK_LOG_LEVEL=error ORBITWALK_LOG_FILE=" + path();
+    const std::string environment = "ORBITWALK_LOG_LEVEL=error ORBITWALK_LOG_FILE=" + path;
     EXPECT_THAT(probe(environment), ElementsAre());
     EXPECT_THAT(probe(environment), ElementsAre());
     EXPECT_THAT(lines(), ElementsAre(EndsWith("line 6"), EndsWith("line 7"), EndsWith("line 6"),
@@ -95,7 +68,7 @@ TEST_F(LogFile, IsAppendedToInPlaceOfStderr) {
 }
 
 TEST_F(LogFile, LinesOfSeveralThreadsStayWhole) {
-    probe("ORBITWALK_LOG_LEVEL=info ORBITWALK_LOG_FILE=" + path(), "threads");
+    probe("ORBITWALK_LOG_LEVEL=info ORBITWALK_LOG_FILE=" + path, "threads");
     std::set<std::string> texts;
     for (const std::string& line : lines()) {
         EXPECT_THAT(line, MatchesRegex(".* I A_TAG: thread [0-3] line [0-9]+"));

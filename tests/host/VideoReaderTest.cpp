@@ -5,13 +5,14 @@
 
 #include "Clips.h"
 #include "media/AvSupport.h"
-#include "media/VideoWriter.h"
+#include "support/TestDirectory.h"
+#include "support/VideoFile.h"
 
 namespace {
 
 using namespace orbitwalk::media;
 using clips::Frame;
-using clips::TempDir;
+using test_support::TestDirectory;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 
@@ -21,11 +22,12 @@ std::string y4m(const std::string& parameters, const Frame& planes) {
 }
 
 TEST(VideoReader, CutsOffAnOddLastColumnAndRow) {
-    const TempDir dir;
+    const TestDirectory dir;
     // 5 x 3 luma, 3 x 2 chroma.
-    clips::writeFile(dir / "odd.y4m", y4m("W5 H3 F25:1 C420jpeg",
-                                          {16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29,
-                                           30, 91, 92, 93, 94, 95, 96, 71, 72, 73, 74, 75, 76}));
+    test_support::writeFile(
+        dir / "odd.y4m",
+        y4m("W5 H3 F25:1 C420jpeg", {16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29,
+                                     30, 91, 92, 93, 94, 95, 96, 71, 72, 73, 74, 75, 76}));
     VideoReader reader(dir / "odd.y4m");
     EXPECT_EQ(reader.width(), 4);
     EXPECT_EQ(reader.height(), 2);
@@ -54,10 +56,10 @@ TEST(VideoReader, ConvertsOtherFormatsToVideoRangeI420) {
         // Black 0 and white 255 become 16 and 235.
         {"full.y4m", y4m("W16 H16 F25:1 C420jpeg XCOLORRANGE=FULL", fullRange), 16, 235, 128},
     };
-    const TempDir dir;
+    const TestDirectory dir;
     for (const auto& c : cases) {
-        clips::writeFile(dir / c.name, c.bytes);
-        const auto frames = clips::readFrames(dir / c.name);
+        test_support::writeFile(dir / c.name, c.bytes);
+        const auto frames = test_support::readVideo(dir / c.name);
         ASSERT_EQ(frames.size(), 1u) << c.name;
         EXPECT_NEAR(frames[0].at(0), c.firstLuma, 1) << c.name;
         EXPECT_NEAR(frames[0].at(255), c.lastLuma, 1) << c.name;
@@ -67,19 +69,13 @@ TEST(VideoReader, ConvertsOtherFormatsToVideoRangeI420) {
 
 /// Writes frames of moving waves, 64 x 48.
 void writeClip(const std::filesystem::path& file, int frames, bool fragmented = false) {
-    std::FILE* stream = std::fopen(file.c_str(), "wb");
-    {
-        EncoderSettings settings;
-        settings.width = 64;
-        settings.height = 48;
-        settings.threads = 1;
-        settings.fragmented = fragmented;
-        VideoWriter writer(stream, settings);
-        for (int i = 0; i < frames; ++i)
-            writer.write(clips::movingWaves(64, 48, i));
-        writer.finish();
-    }
-    std::fclose(stream);
+    EncoderSettings settings;
+    settings.width = 64;
+    settings.height = 48;
+    settings.threads = 1;
+    settings.fragmented = fragmented;
+    test_support::writeVideo(file, settings, frames,
+                             [](int i) { return clips::movingWaves(64, 48, i); });
 }
 
 /// Copies a clip's packets with other presentation times, in milliseconds.
@@ -107,17 +103,18 @@ void retime(const std::filesystem::path& from, const std::filesystem::path& to,
 }
 
 TEST(VideoReader, NeitherDuplicatesNorDropsAtUnevenTimestamps) {
-    const TempDir dir;
+    const TestDirectory dir;
     // Fragmented: no pictures out of order, so the order of the file is that of presentation.
     writeClip(dir / "even.mp4", 8, true);
     retime(dir / "even.mp4", dir / "uneven.mkv", {0, 1, 2, 300, 333, 900, 901, 4000});
-    EXPECT_EQ(clips::readFrames(dir / "uneven.mkv"), clips::readFrames(dir / "even.mp4"));
+    EXPECT_EQ(test_support::readVideo(dir / "uneven.mkv"),
+              test_support::readVideo(dir / "even.mp4"));
 }
 
 TEST(VideoReader, TellsTheDisplayRotationClockwise) {
-    const TempDir dir;
+    const TestDirectory dir;
     writeClip(dir / "clip.mp4", 2);
-    const std::string clip = clips::readFile(dir / "clip.mp4");
+    const std::string clip = test_support::contentOf(dir / "clip.mp4");
     constexpr std::size_t kMatrixAfterType = 40;
     const std::size_t matrix = clip.find("tkhd") + 4 + kMatrixAfterType;
     const std::string one{"\0\1\0\0", 4}, minusOne{"\xff\xff\0\0", 4}, zero(4, '\0');
@@ -131,7 +128,7 @@ TEST(VideoReader, TellsTheDisplayRotationClockwise) {
     for (const auto& c : cases) {
         std::string turned = clip;
         turned.replace(matrix, 20, c.a + c.b + zero + c.c + c.d);
-        clips::writeFile(dir / "turned.mp4", turned);
+        test_support::writeFile(dir / "turned.mp4", turned);
         const VideoReader reader(dir / "turned.mp4");
         EXPECT_EQ(reader.rotationDegrees(), c.degrees);
         EXPECT_EQ(reader.expectedFrames(), 2);
@@ -141,7 +138,7 @@ TEST(VideoReader, TellsTheDisplayRotationClockwise) {
 /// Why reading a file whole fails; empty when it does not.
 std::string complaintOf(const std::filesystem::path& file) {
     try {
-        clips::readFrames(file);
+        test_support::readVideo(file);
         return {};
     } catch (const MediaError& error) {
         return error.what();
@@ -158,7 +155,7 @@ TEST(VideoReader, SaysInOneLineWhichFileItCannotRead) {
         return "P6\n" + size + " " + size + "\n255\n" +
                std::string(static_cast<std::size_t>(side * side * 3), 'x');
     };
-    const TempDir dir;
+    const TestDirectory dir;
     writeClip(dir / "clip.mp4", 10);
     const struct {
         const char* name;
@@ -167,13 +164,14 @@ TEST(VideoReader, SaysInOneLineWhichFileItCannotRead) {
     } cases[] = {
         {"empty.mp4", "", "Invalid data"},
         {"garbage.mp4", std::string(5000, '\x5a'), "Invalid data"},
-        {"index lost.mp4", clips::readFile(dir / "clip.mp4").substr(0, 500), "Invalid data"},
+        {"index lost.mp4", test_support::contentOf(dir / "clip.mp4").substr(0, 500),
+         "Invalid data"},
         {"song:take 1.wav", wav, "no video in it"},
         {"grows", ppm(8) + ppm(16), "its picture size changes half-way"},
     };
     for (const auto& c : cases) {
         const auto file = dir / c.name;
-        clips::writeFile(file, c.bytes);
+        test_support::writeFile(file, c.bytes);
         const std::string complaint = complaintOf(file);
         EXPECT_THAT(complaint, HasSubstr("cannot read " + file.string() + ": " + c.reason));
         EXPECT_EQ(complaint.find('\n'), std::string::npos);

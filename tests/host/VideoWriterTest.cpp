@@ -5,11 +5,13 @@
 
 #include "Clips.h"
 #include "media/VideoReader.h"
+#include "support/TestDirectory.h"
+#include "support/VideoFile.h"
 
 namespace {
 
 using namespace orbitwalk::media;
-using clips::TempDir;
+using test_support::TestDirectory;
 
 EncoderSettings small() {
     EncoderSettings settings;
@@ -21,24 +23,19 @@ EncoderSettings small() {
 
 TEST(VideoWriter, GivesBackTheFramesAtEverySpeedWholeOrInFragments) {
     constexpr int kFrames = 20;
-    const TempDir dir;
+    const TestDirectory dir;
     for (const bool fragmented : {false, true})
         for (const int speed : {0, 3, 7, 9}) {
             EncoderSettings settings = small();
             settings.fragmented = fragmented;
             settings.speed = speed;
-            std::FILE* stream = std::fopen((dir / "out.mp4").c_str(), "wb");
-            VideoWriter writer(stream, settings);
-            for (int i = 0; i < kFrames; ++i)
-                writer.write(clips::movingWaves(96, 64, i));
-            writer.finish();
-            std::fclose(stream);
-
+            test_support::writeVideo(dir / "out.mp4", settings, kFrames,
+                                     [](int i) { return clips::movingWaves(96, 64, i); });
             VideoReader reader(dir / "out.mp4");
             EXPECT_EQ(reader.expectedFrames(), kFrames) << fragmented << speed;
             EXPECT_EQ(reader.frameRate().numerator, 30000);
             EXPECT_EQ(reader.frameRate().denominator, 1001);
-            const auto frames = clips::readFrames(dir / "out.mp4");
+            const auto frames = test_support::readVideo(dir / "out.mp4");
             ASSERT_EQ(frames.size(), std::size_t{kFrames}) << fragmented << speed;
             for (int i = 0; i < kFrames; ++i)
                 EXPECT_GT(clips::psnr(frames[std::size_t(i)], clips::movingWaves(96, 64, i)), 38)
@@ -47,7 +44,7 @@ TEST(VideoWriter, GivesBackTheFramesAtEverySpeedWholeOrInFragments) {
 }
 
 TEST(VideoWriter, TakesTheStreamFromWhereItStands) {
-    const TempDir dir;
+    const TestDirectory dir;
     std::FILE* stream = std::fopen((dir / "out").c_str(), "wb");
     std::fputs("a preamble", stream);
     VideoWriter writer(stream, small());
@@ -55,10 +52,10 @@ TEST(VideoWriter, TakesTheStreamFromWhereItStands) {
         writer.write(clips::movingWaves(96, 64, i));
     writer.finish();
     std::fclose(stream);
-    const std::string bytes = clips::readFile(dir / "out");
+    const std::string bytes = test_support::contentOf(dir / "out");
     ASSERT_TRUE(bytes.starts_with("a preamble"));
-    clips::writeFile(dir / "out.mp4", bytes.substr(10));
-    EXPECT_EQ(clips::readFrames(dir / "out.mp4").size(), 5u);
+    test_support::writeFile(dir / "out.mp4", bytes.substr(10));
+    EXPECT_EQ(test_support::readVideo(dir / "out.mp4").size(), 5u);
 }
 
 TEST(VideoWriter, LowerQualityFactorMeansMoreBytesAndACloserPicture) {
@@ -77,39 +74,41 @@ TEST(VideoWriter, LowerQualityFactorMeansMoreBytesAndACloserPicture) {
     EXPECT_GT(bytes[0], 2 * bytes[1]);
 }
 
-TEST(VideoWriter, AFailureIsSaidAgainByEveryLaterCall) {
-    for (const bool fragmented : {false, true}) {
-        EncoderSettings settings = small();
-        settings.fragmented = fragmented;
-        settings.frameRate = {30, 1};
-        const TempDir dir;
-        clips::MemoryStream memory(20000);
-        // A file opened for reading fails at the first write; the other stream when it is full.
-        clips::writeFile(dir / "read-only", "");
-        std::FILE* readOnly = std::fopen((dir / "read-only").c_str(), "rb");
-        std::string first, later;
-        try {
-            VideoWriter writer(fragmented ? memory.file() : readOnly, settings);
-            try {
-                for (int i = 0; i < 100; ++i)
-                    writer.write(clips::noise(96, 64, i));
-                writer.finish();
-            } catch (const MediaError& error) {
-                first = error.what();
-            }
-            try {
-                writer.finish();
-            } catch (const MediaError& error) {
-                later = error.what();
-            }
-        } catch (const MediaError& error) {
-            first = later = error.what();
-        }
-        EXPECT_EQ(first, fragmented ? "cannot write the video: No space left on device"
-                                    : "cannot write the video: Bad file descriptor");
-        EXPECT_EQ(later, first);
-        std::fclose(readOnly);
+std::string complaintOf(const std::function<void()>& action) {
+    try {
+        action();
+        return {};
+    } catch (const MediaError& error) {
+        return error.what();
     }
+}
+
+void writeNoise(VideoWriter& writer) {
+    for (int i = 0; i < 100; ++i)
+        writer.write(clips::noise(96, 64, i));
+    writer.finish();
+}
+
+TEST(VideoWriter, AFailureIsSaidAgainByEveryLaterCall) {
+    clips::MemoryStream memory(20000);
+    EncoderSettings settings = small();
+    settings.fragmented = true;
+    VideoWriter fragments(memory.file(), settings);
+    for (const auto& call : {std::function([&] { writeNoise(fragments); }),
+                             std::function([&] { fragments.finish(); })})
+        EXPECT_EQ(complaintOf(call), "cannot write the video: No space left on device");
+}
+
+TEST(VideoWriter, AWholeFileThatCannotBeWrittenIsSaid) {
+    const TestDirectory dir;
+    test_support::writeFile(dir / "read-only", "");
+    std::FILE* readOnly = std::fopen((dir / "read-only").c_str(), "rb");
+    const auto record = [&] {
+        VideoWriter writer(readOnly, small());
+        writeNoise(writer);
+    };
+    EXPECT_EQ(complaintOf(record), "cannot write the video: Bad file descriptor");
+    std::fclose(readOnly);
 }
 
 TEST(VideoWriter, RefusesAWholeFileOnAPipeAndAFrameOfTheWrongSize) {

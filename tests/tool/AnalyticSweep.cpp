@@ -1,27 +1,22 @@
 #include "tool/AnalyticSweep.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 
-#include "media/VideoWriter.h"
 #include "support/SampleRecord.h"
+#include "support/TestDirectory.h"
+#include "support/VideoFile.h"
 
-namespace tool_test {
+namespace test_support {
 
 namespace {
 
 void store(std::int32_t (&matrix)[9], double moveX, double moveY) {
-    const std::int32_t written[9] = {1000000,
-                                     0,
-                                     0,
-                                     0,
-                                     1000000,
-                                     0,
-                                     static_cast<std::int32_t>(-moveX * 1e6),
-                                     static_cast<std::int32_t>(-moveY * 1e6),
-                                     1000000};
-    std::copy(written, written + 9, matrix);
+    std::ranges::fill(matrix, 0);
+    matrix[0] = matrix[4] = matrix[8] = 1000000;
+    matrix[6] = static_cast<std::int32_t>(-moveX * 1e6);
+    matrix[7] = static_cast<std::int32_t>(-moveY * 1e6);
 }
 
 }  // namespace
@@ -44,6 +39,14 @@ std::vector<std::uint8_t> sceneFrame(int width, int height, double x, double y) 
             for (int i = 0; i < width / 2; ++i)
                 add(sceneAt(x + 2 * i, y + 2 * j + 0.5).*plane);
     return frame;
+}
+
+std::vector<orbitwalk::tool::SweepRow> AnalyticSweep::measuredPath() {
+    std::vector<orbitwalk::tool::SweepRow> rows;
+    for (int i = 0; i < frames; ++i)
+        rows.push_back(
+            {static_cast<float>(-left(i)), static_cast<float>(-top(i)), 0, i != 4, false});
+    return rows;
 }
 
 __kelOBWKDXMetaData AnalyticSweep::record() const {
@@ -80,23 +83,17 @@ void AnalyticSweep::write(const std::filesystem::path& directory) const {
 void AnalyticSweep::writeRecord(const std::filesystem::path& file,
                                 const __kelOBWKDXMetaData& record) const {
     const auto bytes = recordBytes(record);
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
+    writeFile(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 void AnalyticSweep::writeVideo(const std::filesystem::path& file, int frameCount) const {
-    std::FILE* stream = std::fopen(file.c_str(), "w+b");
-    {
-        orbitwalk::media::EncoderSettings settings;
-        settings.width = width;
-        settings.height = height;
-        settings.quality = 4;
-        orbitwalk::media::VideoWriter writer(stream, settings);
-        for (int i = 0; i < frameCount; ++i)
-            writer.write(sceneFrame(width, height, left(i % frames), top(i % frames)));
-        writer.finish();
-    }
-    std::fclose(stream);
+    orbitwalk::media::EncoderSettings settings;
+    settings.width = width;
+    settings.height = height;
+    settings.quality = 4;
+    test_support::writeVideo(file, settings, frameCount, [](int i) {
+        return sceneFrame(width, height, left(i % frames), top(i % frames));
+    });
 }
 
-}  // namespace tool_test
+}  // namespace test_support

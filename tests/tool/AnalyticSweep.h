@@ -4,11 +4,12 @@
 #include <filesystem>
 #include <vector>
 
+#include "common/SweepTable.h"
 #include "orbitwalk/MetaData.h"
 
 /// A scene that is a smooth function of the place, and a sweep across it: everything that a
 /// renderer makes of it can be told by evaluating the function.
-namespace tool_test {
+namespace test_support {
 
 struct SceneColour {
     double y = 0;
@@ -37,6 +38,8 @@ struct AnalyticSweep {
     static double left(int frame) { return 8 * frame + shake[frame][0]; }
     static double top(int frame) { return frame + shake[frame][1]; }
 
+    /// As the motion finder measures it: the picture goes against the camera.
+    static std::vector<orbitwalk::tool::SweepRow> measuredPath();
     __kelOBWKDXMetaData record() const;
     /// Writes sweep.mp4, sweep.obw and sweep.csv into a directory, which is made.
     void write(const std::filesystem::path& directory) const;
@@ -44,4 +47,4 @@ struct AnalyticSweep {
     void writeVideo(const std::filesystem::path& file, int frameCount) const;
 };
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -4,10 +4,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "support/TestDirectory.h"
 #include "tool/RunTool.h"
-#include "tool/TestDirectory.h"
 
-namespace tool_test {
+namespace test_support {
 namespace {
 
 /// The browser's network log names the origin of a request by a hash of a name; this one is
@@ -60,4 +60,4 @@ BrowserRun openInBrowser(const std::filesystem::path& page) {
     return {run.out, pageRequests(contentOf(log))};
 }
 
-}  // namespace tool_test
+}  // namespace test_support

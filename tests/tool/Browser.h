@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace tool_test {
+namespace test_support {
 
 struct BrowserRun {
     std::string dom;  ///< The page as HTML after its scripts have run.
@@ -16,4 +16,4 @@ struct BrowserRun {
 /// resolves in it.
 BrowserRun openInBrowser(const std::filesystem::path& page);
 
-}  // namespace tool_test
+}  // namespace test_support

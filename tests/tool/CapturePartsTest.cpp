@@ -13,7 +13,7 @@
 #include "capture/SweepPath.h"
 #include "common/OutputFiles.h"
 #include "common/ToolError.h"
-#include "tool/TestDirectory.h"
+#include "support/TestDirectory.h"
 
 namespace {
 
@@ -48,13 +48,6 @@ TEST(SweepDirection, IsAgainstThePictureMotionOfTheHeldDevice) {
     EXPECT_EQ(sweepDirection(right, {50, 0, 0}, 0, false), 1) << "the motion counts, not the place";
 }
 
-TEST(PathExtent, SpansTheFarthestPoints) {
-    const PathPoint path[] = {{0, 0, 0}, {-30, 4, 0}, {10, -6, 0}, {5, 1, 0}};
-    EXPECT_EQ(pathExtent(path).x, 40);
-    EXPECT_EQ(pathExtent(path).y, 10);
-    EXPECT_EQ(pathExtent({}).x, 0);
-}
-
 TEST(RepeatedMotion, CountsFramesThatCouldNotBeMeasured) {
     RepeatedMotion repeated;
     for (const char* line : {
@@ -80,33 +73,9 @@ TEST(SweepCsv, KeepsEveryBitOfAFloat) {
               "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n1,-0.1,16777216,1e-07,0,1\n");
 }
 
-TEST(OutputFiles, AppearTogetherAndReplaceFormerOnes) {
-    const tool_test::TestDirectory dir;
-    tool_test::writeFile(dir / "a", "former");
-    {
-        OutputFiles files(dir / "");
-        files.write("a", std::string("new"));
-        files.write("b", std::string("second"));
-        EXPECT_EQ(tool_test::contentOf(dir / "a"), "former");
-        files.commit();
-    }
-    EXPECT_EQ(tool_test::namesIn(dir / ""), (Names{"a", "b"}));
-    EXPECT_EQ(tool_test::contentOf(dir / "a") + tool_test::contentOf(dir / "b"), "newsecond");
-}
-
-TEST(OutputFiles, LeaveNothingBehindWithoutACommit) {
-    const tool_test::TestDirectory dir;
-    {
-        OutputFiles files(dir / "made/deep");
-        files.write("a", std::string("new"));
-        EXPECT_EQ(tool_test::namesIn(dir / "made/deep").size(), 1u);
-    }
-    EXPECT_EQ(tool_test::namesIn(dir / ""), Names{});
-}
-
 TEST(OutputFiles, PutFormerFilesBackWhenOneCannotBePlaced) {
-    const tool_test::TestDirectory dir;
-    tool_test::writeFile(dir / "a", "former");
+    const test_support::TestDirectory dir;
+    test_support::writeFile(dir / "a", "former");
     {
         OutputFiles files(dir / "");
         files.write("a", std::string("new"));
@@ -114,34 +83,24 @@ TEST(OutputFiles, PutFormerFilesBackWhenOneCannotBePlaced) {
         std::filesystem::create_directory(dir / "b");
         EXPECT_THROW(files.commit(), ToolError);
     }
-    EXPECT_EQ(tool_test::namesIn(dir / ""), (Names{"a", "b"}));
-    EXPECT_EQ(tool_test::contentOf(dir / "a"), "former");
+    EXPECT_EQ(test_support::namesIn(dir / ""), (Names{"a", "b"}));
+    EXPECT_EQ(test_support::contentOf(dir / "a"), "former");
 }
 
 TEST(OutputFiles, ReplaceNeitherDirectoriesNorDevices) {
-    const tool_test::TestDirectory dir;
+    const test_support::TestDirectory dir;
     std::filesystem::create_directory(dir / "folder");
     std::filesystem::create_symlink("/dev/null", dir / "device");
     OutputFiles files(dir / "");
     EXPECT_THROW(files.create("folder"), ToolError);
     EXPECT_THROW(files.create("device"), ToolError);
-    EXPECT_EQ(tool_test::namesIn(dir / ""), (Names{"device", "folder"}));
+    EXPECT_EQ(test_support::namesIn(dir / ""), (Names{"device", "folder"}));
 }
 
-TEST(EngineTempDirectory, IsPrivateAndGoneAtTheEnd) {
-    const tool_test::TestDirectory dir;
+TEST(EngineTempDirectory, RefusesAPathThatDoesNotFit) {
+    const test_support::TestDirectory dir;
     const std::string formerRoot = std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "";
     const std::string formerEngine = localTmpDir;
-    setenv("TMPDIR", (dir / "").c_str(), 1);
-    {
-        const EngineTempDirectory temporary;
-        EXPECT_TRUE(std::string(localTmpDir).starts_with((dir / "").string()));
-        EXPECT_TRUE(std::string(localTmpDir).ends_with("/"));
-        std::filesystem::create_directory(localTmpDir);
-        tool_test::writeFile(std::string(localTmpDir) + "leftover", "x");
-    }
-    EXPECT_EQ(tool_test::namesIn(dir / ""), Names{});
-    EXPECT_EQ(localTmpDir, formerEngine);
     const std::filesystem::path tooLong = dir / std::string(180, 'x');
     std::filesystem::create_directory(tooLong);
     setenv("TMPDIR", tooLong.c_str(), 1);

@@ -2,37 +2,30 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "media/VideoWriter.h"
+#include "support/TestDirectory.h"
+#include "support/VideoFile.h"
 #include "tool/AnalyticSweep.h"
 #include "tool/EvaluateScene.h"
 #include "tool/RunTool.h"
-#include "tool/TestDirectory.h"
 
-using namespace tool_test;
+using namespace test_support;
 using testing::HasSubstr;
 
 namespace {
 
-void writeVideo(const std::filesystem::path& file, const std::vector<View>& views) {
-    std::FILE* stream = std::fopen(file.c_str(), "w+b");
+void writeViews(const std::filesystem::path& file, const std::vector<View>& views) {
     orbitwalk::media::EncoderSettings settings;
     settings.width = pictureSize().width;
     settings.height = pictureSize().height;
     settings.quality = 8;
-    {
-        orbitwalk::media::VideoWriter writer(stream, settings);
-        for (const View& view : views) {
-            const cv::Mat1b luma = takePicture(view);
-            std::vector<std::uint8_t> i420(luma.total() * 3 / 2, 128);
-            std::copy(luma.begin(), luma.end(), i420.begin());
-            writer.write(i420);
-        }
-        writer.finish();
-    }
-    std::fclose(stream);
+    writeVideo(file, settings, static_cast<int>(views.size()), [&](int i) {
+        const cv::Mat1b luma = takePicture(views[i]);
+        Frame i420(luma.total() * 3 / 2, 128);
+        std::copy(luma.begin(), luma.end(), i420.begin());
+        return i420;
+    });
 }
 
 /// A pan that jumps to and fro by 2 pixels: the second difference is 8 pixels.
@@ -55,8 +48,8 @@ std::vector<View> steadyPan(int frames) {
 
 TEST(EvaluateCommand, JudgesASteadyVideoBesideItsSource) {
     const TestDirectory directory;
-    writeVideo(directory / "clip.mp4", jumpyPan(10));
-    writeVideo(directory / "steady.mp4", steadyPan(10));
+    writeViews(directory / "clip.mp4", jumpyPan(10));
+    writeViews(directory / "steady.mp4", steadyPan(10));
     const ToolRun run = runTool({"evaluate", "--video", directory / "steady.mp4", "--against",
                                  directory / "clip.mp4", "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -121,8 +114,8 @@ TEST(EvaluateCommand, JudgesARenderingMirroredAsThePreviewWas) {
 TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {
     const TestDirectory directory;
     const std::string clip = directory / "clip.mp4", longer = directory / "longer.mp4";
-    writeVideo(clip, steadyPan(3));
-    writeVideo(longer, steadyPan(4));
+    writeViews(clip, steadyPan(3));
+    writeViews(longer, steadyPan(4));
     writeFile(directory / "text.mp4", "no video");
     const struct {
         std::vector<std::string> arguments;

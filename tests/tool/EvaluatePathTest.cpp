@@ -4,7 +4,6 @@
 #include <cmath>
 #include <numbers>
 #include <string>
-#include <variant>
 
 #include "common/ToolError.h"
 #include "evaluate/PathError.h"
@@ -31,10 +30,6 @@ std::vector<SweepRow> rowsAt(const std::vector<TruthRow>& positions) {
     for (const TruthRow& p : positions)
         rows.push_back({float(p.x), float(p.y), float(p.a), 1, false});
     return rows;
-}
-
-SweepFacts factsOf(const __kelOBWKDXMetaData& record) {
-    return sweepFacts(std::get<RecordReader>(RecordReader::open(recordBytes(record))));
 }
 
 /// Every frame moved by the whole number of pixels to the right.
@@ -112,7 +107,7 @@ TEST(SweepFacts, CountsWhatTheCropShowsOutsideTheFrame) {
     const std::int32_t whole[] = {0, 0, 1280, 720};
     std::ranges::copy(whole, record.cropParam);
     moveRight(record, 30);
-    SweepFacts facts = factsOf(record);
+    SweepFacts facts = sweepFacts(opened(record));
     // Frames 2 to 9 without 5; 29 columns lie more than a pixel outside.
     EXPECT_EQ(facts.renderedFrames, 7);
     EXPECT_EQ(facts.missingPixels, 7 * 29 * 720);
@@ -121,7 +116,7 @@ TEST(SweepFacts, CountsWhatTheCropShowsOutsideTheFrame) {
     EXPECT_NEAR(facts.keptView, 1, kTiny);
     const std::int32_t inside[] = {30, 0, 640, 720};
     std::ranges::copy(inside, record.cropParam);
-    facts = factsOf(record);
+    facts = sweepFacts(opened(record));
     EXPECT_EQ(facts.missingPixels, 0);
     EXPECT_NEAR(facts.keptView, 0.5, kTiny);
 }

@@ -10,8 +10,8 @@
 #include "tool/EvaluateScene.h"
 
 using namespace orbitwalk::tool;
-using tool_test::pictureSize;
-using tool_test::takePicture;
+using test_support::pictureSize;
+using test_support::takePicture;
 
 namespace {
 
@@ -82,7 +82,7 @@ TEST(ResidualMotion, LeavesOutWhatCannotBeMeasured) {
 
 TEST(Registration, FindsHowMuchOfTheSourceAPictureKeeps) {
     struct Case {
-        tool_test::View picture;  // The source is the default one.
+        test_support::View picture;  // The source is the default one.
         double kept, beyond;
     };
     // Moved 64 of 640 pixels: a tenth is gone and a tenth is new, of which two pixels' worth is
@@ -116,17 +116,9 @@ TEST(RelativeSharpness, FallsAsAGratingBlurs) {
         cv::GaussianBlur(source, blurred, {}, sigma);
         // The Gaussian's transfer at the grating's frequency.
         const double expected = std::exp(-2 * std::pow(CV_PI * sigma / 16, 2));
-        EXPECT_NEAR(relativeSharpness(blurred, source, {}).value(), expected, 0.01);
+        EXPECT_NEAR(relativeSharpness(blurred, source, {}).value(), expected, 0.01) << sigma;
     }
-}
-
-TEST(RelativeSharpness, ComparesAtThePicturesScale) {
-    const double zoom = 1.25;
-    const cv::Mat1b source = takePicture({}), enlarged = takePicture({0, 0, 0, zoom});
-    const double x = (1 - 1 / zoom) * 319.5, y = (1 - 1 / zoom) * 239.5;
-    EXPECT_NEAR(relativeSharpness(enlarged, source, {1 / zoom, 0, x, 0, 1 / zoom, y}).value(), 1,
-                0.01);
-    EXPECT_FALSE(relativeSharpness(enlarged, cv::Mat1b(pictureSize(), 50), {}));
+    EXPECT_FALSE(relativeSharpness(source, cv::Mat1b(pictureSize(), 50), {})) << "nothing to blur";
 }
 
 TEST(BlackBorder, CountsAWedgeAtTheEdgeAndNoDarkThingInside) {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
-namespace tool_test {
+namespace test_support {
 namespace {
 
 /// Soft blotches some ten pixels wide, on a square that leaves room for pans of 300 pixels.
@@ -37,4 +37,4 @@ cv::Mat1b takePicture(const View& view) {
     return picture;
 }
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -2,7 +2,7 @@
 
 #include <opencv2/core/mat.hpp>
 
-namespace tool_test {
+namespace test_support {
 
 /// A picture as a camera over a wide textured scene sees it.
 struct View {
@@ -16,4 +16,4 @@ struct View {
 cv::Size pictureSize();
 cv::Mat1b takePicture(const View& view);
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <vector>
 
-#include "common/SmoothedPath.h"
 #include "render/FramePlanes.h"
 #include "tool/AnalyticSweep.h"
 
@@ -37,20 +36,20 @@ double largestError(const cv::Mat1b& plane, const Affine& lumaFromSample, Expect
 TEST(FrameWarp, ShowsTheSceneWhereTheMapPointsInAllPlanes) {
     const double angle = 0.02;
     const double c = 0.85 * std::cos(angle), s = 0.85 * std::sin(angle);
-    const auto frame = tool_test::sceneFrame(320, 240, 0, 0);
+    const auto frame = test_support::sceneFrame(320, 240, 0, 0);
     for (const Affine& map : {Affine{c, -s, 23.3, s, c, 11.6}, Affine{-c, s, 290.2, s, c, 14.4}}) {
         const auto output = warp(frame, map);
         const FramePlanes planes = planesOf(std::span(output), kSize);
         const auto scene = [&](auto plane) {
             return [&map, plane](PicturePoint p) {
                 const PicturePoint from = map(p);
-                return tool_test::sceneAt(from.x, from.y).*plane;
+                return test_support::sceneAt(from.x, from.y).*plane;
             };
         };
-        EXPECT_LT(largestError(planes.y, {}, scene(&tool_test::SceneColour::y)), 2);
-        EXPECT_LT(largestError(planes.cb, kLumaFromColour, scene(&tool_test::SceneColour::cb)),
+        EXPECT_LT(largestError(planes.y, {}, scene(&test_support::SceneColour::y)), 2);
+        EXPECT_LT(largestError(planes.cb, kLumaFromColour, scene(&test_support::SceneColour::cb)),
                   1.5);
-        EXPECT_LT(largestError(planes.cr, kLumaFromColour, scene(&tool_test::SceneColour::cr)),
+        EXPECT_LT(largestError(planes.cr, kLumaFromColour, scene(&test_support::SceneColour::cr)),
                   1.5);
     }
 }
@@ -99,40 +98,6 @@ TEST(MissingPixels, CountsPointsMoreThanAPixelOutside) {
     EXPECT_EQ(missingPixels(kSize, translation(0, 4.5)), 4 * 320);
     EXPECT_EQ(missingPixels(kSize, translation(3, 4)), 2 * 240 + 3 * 320 - 2 * 3);
     EXPECT_EQ(missingPixels(kSize, translation(1000, 0)), 320 * 240);
-}
-
-/// A sweep of 60 frames with shake and roll.
-std::vector<SweepRow> shakySweep() {
-    std::vector<SweepRow> rows;
-    for (int i = 0; i < 60; ++i) {
-        const auto t = static_cast<float>(i);
-        rows.push_back({-5 * t + 4 * std::sin(1.7f * t), 3 * std::cos(1.3f * t),
-                        0.004f * std::sin(0.9f * t), 1, false});
-    }
-    return rows;
-}
-
-// The smoothing is the engine's, the corrections are applied here by their definition.
-TEST(MissingPixels, AreNoneInsideTheCropOfTheStabiliser) {
-    const auto rows = shakySweep();
-    const auto path = smoothedPath(rows, 0, 59, kSize.width, kSize.height);
-    ASSERT_TRUE(path.feedbackStep);
-    const double scale = (path.maxX - path.minX) / 320.0;
-    const Affine crop =
-        translation(path.minX, path.minY) * enlargement(scale, (path.maxY - path.minY) / 240.0);
-    EXPECT_LT(scale, 1);
-    std::int64_t whole = 0;
-    PathPosition measured;
-    for (std::size_t v = 0; v < path.frames.size(); ++v) {
-        const double x = path.smoothed[v].x - measured.x, y = path.smoothed[v].y - measured.y;
-        const double a = path.smoothed[v].a - measured.a;
-        const Affine frameFromPicture =
-            inverse(Affine{std::cos(a), -std::sin(a), x, std::sin(a), std::cos(a), y});
-        EXPECT_EQ(missingPixels(kSize, frameFromPicture * crop), 0) << v;
-        whole += missingPixels(kSize, frameFromPicture);
-        measured = path.measured[v];
-    }
-    EXPECT_GT(whole, 0);
 }
 
 }  // namespace

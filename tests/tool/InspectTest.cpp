@@ -1,15 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "commands/Commands.h"
 #include "common/ToolError.h"
 #include "support/SampleRecord.h"
+#include "support/TestDirectory.h"
 
 namespace orbitwalk::tool {
 namespace {
@@ -22,12 +20,10 @@ class Inspect : public testing::Test {
         mBytes = recordBytes(sampleRecord());
         writeFile();
     }
-    ~Inspect() override { std::filesystem::remove(mPath); }
 
     void writeFile() const {
-        std::ofstream(mPath, std::ios::binary)
-            .write(reinterpret_cast<const char*>(mBytes.data()),
-                   static_cast<std::streamsize>(mBytes.size()));
+        const auto* text = reinterpret_cast<const char*>(mBytes.data());
+        test_support::writeFile(mPath, {text, mBytes.size()});
     }
 
     /// What the command prints; throws what it throws.
@@ -56,7 +52,8 @@ class Inspect : public testing::Test {
     }
 
     std::vector<std::byte> mBytes;
-    std::string mPath = testing::TempDir() + "inspect-test-" + std::to_string(getpid()) + ".obw";
+    const test_support::TestDirectory mDirectory;
+    const std::string mPath = mDirectory / "sweep.obw";
 };
 
 TEST_F(Inspect, NamesTheCodesAndCountsTheRenderedFrames) {

@@ -1,12 +1,11 @@
 #include "tool/PanVideo.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <opencv2/imgproc.hpp>
 
-#include "media/VideoWriter.h"
+#include "support/VideoFile.h"
 
-namespace tool_test {
+namespace test_support {
 namespace {
 
 /// Soft blotches of random brightness, some thirty pixels each: corners all over.
@@ -40,17 +39,11 @@ std::vector<std::vector<std::uint8_t>> panFrames(const Pan& pan) {
 }
 
 void writePanVideo(const std::filesystem::path& file, const Pan& pan) {
-    std::FILE* stream = std::fopen(file.c_str(), "w+b");
-    {
-        orbitwalk::media::EncoderSettings settings;
-        settings.width = pan.width;
-        settings.height = pan.height;
-        orbitwalk::media::VideoWriter writer(stream, settings);
-        for (const auto& frame : panFrames(pan))
-            writer.write(frame);
-        writer.finish();
-    }
-    std::fclose(stream);
+    orbitwalk::media::EncoderSettings settings;
+    settings.width = pan.width;
+    settings.height = pan.height;
+    const auto frames = panFrames(pan);
+    writeVideo(file, settings, pan.frames, [&](int i) { return frames[i]; });
 }
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <vector>
 
-namespace tool_test {
+namespace test_support {
 
 /// A window that moves over a textured scene. The displacement filter keeps the smaller motions, so
 /// the motion finder wants many corners and motions that differ: a step of ten, two and a half
@@ -23,4 +23,4 @@ std::vector<std::vector<std::uint8_t>> panFrames(const Pan& pan);
 /// Writes the frames as H.264 at 30 frames a second.
 void writePanVideo(const std::filesystem::path& file, const Pan& pan);
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -6,23 +6,15 @@
 
 #include "common/ToolError.h"
 #include "render/FramePlanes.h"
+#include "support/TestDirectory.h"
 #include "tool/AnalyticSweep.h"
-#include "tool/TestDirectory.h"
 
 namespace orbitwalk::tool {
 namespace {
 
-using tool_test::AnalyticSweep;
+using test_support::AnalyticSweep;
 
-std::vector<SweepRow> measuredPath() {
-    std::vector<SweepRow> rows;
-    for (int i = 0; i < AnalyticSweep::frames; ++i)
-        rows.push_back({static_cast<float>(-AnalyticSweep::left(i)),
-                        static_cast<float>(-AnalyticSweep::top(i)), 0, i != 4, false});
-    return rows;
-}
-
-Sweep writtenSweep(const tool_test::TestDirectory& directory, bool flipped = false) {
+Sweep writtenSweep(const test_support::TestDirectory& directory, bool flipped = false) {
     const AnalyticSweep sweep{};
     auto record = sweep.record();
     record.frontCameraFlipped = flipped;
@@ -33,9 +25,9 @@ Sweep writtenSweep(const tool_test::TestDirectory& directory, bool flipped = fal
 
 // The corrections put frame i at (8 i, i); border frames reach 16 px to both sides.
 TEST(PanoramaLayout, LaysPicturesAlongTheSmoothedPath) {
-    const tool_test::TestDirectory directory;
+    const test_support::TestDirectory directory;
     const Sweep sweep = writtenSweep(directory);
-    const auto layout = layOut(sweep.record, playlist(sweep.record), measuredPath());
+    const auto layout = layOut(sweep.record, playlist(sweep.record), AnalyticSweep::measuredPath());
     EXPECT_EQ(layout.scale, 1);
     EXPECT_EQ(layout.canvas, cv::Size(256 + 72 + 32, 192 + 9));
     ASSERT_EQ(layout.placements.size(), 13u);
@@ -56,10 +48,10 @@ TEST(PanoramaLayout, ChainsRotationsAndOffsets) {
 }
 
 TEST(PanoramaLayout, ScalesALongSweepDownAndRefusesAnAbsurdOne) {
-    const tool_test::TestDirectory directory;
+    const test_support::TestDirectory directory;
     const Sweep sweep = writtenSweep(directory);
     const auto shots = playlist(sweep.record, false);
-    auto path = measuredPath();
+    auto path = AnalyticSweep::measuredPath();
     path.back().x = -40000;
     const auto layout = layOut(sweep.record, shots, path);
     EXPECT_EQ(layout.canvas.width, 16384);
@@ -80,7 +72,7 @@ TEST(PanoramaCanvas, FadesIntoWhatLiesBelow) {
 
 TEST(Panorama, ShowsTheSceneThatWasSweptAcross) {
     for (const bool flipped : {false, true}) {
-        const tool_test::TestDirectory directory;
+        const test_support::TestDirectory directory;
         const Sweep sweep = writtenSweep(directory, flipped);
         int painted = 0;
         cv::Mat4b picture = panorama(sweep, true, 2, [&](int n) { painted = n; });
@@ -88,7 +80,7 @@ TEST(Panorama, ShowsTheSceneThatWasSweptAcross) {
         if (flipped)
             cv::flip(picture, picture, 1);
         // The first border picture lies 16 px left of the first frame's crop.
-        const auto scene = tool_test::sceneFrame(360, 202, 32 - 16, 24);
+        const auto scene = test_support::sceneFrame(360, 202, 32 - 16, 24);
         const cv::Mat3b expected = toBgr(scene, {360, 202});
         ASSERT_EQ(picture.size(), cv::Size(360, 201));
         int covered = 0;

@@ -29,21 +29,6 @@ TEST(PictureMotion, IsMeasuredFromTheCornerOfTheCentralThreeFifths) {
     EXPECT_EQ(measuringOrigin({642, 362}), cv::Point2d(128, 72));
 }
 
-TEST(PictureMotion, OfAPanIsAgainstTheCamera) {
-    expectMotion(motionBetween({100, 50, 0}, {112, 47, 0}, fullHd), {-12, 3, 0});
-}
-
-TEST(PictureMotion, OfARollAboutTheCentreMovesTheMeasuringOrigin) {
-    // The origin lies at (-575.5, -323.5) from the centre. A camera that turns clockwise turns the
-    // picture anticlockwise: (x, y) becomes (y, -x) = (-323.5, 575.5).
-    expectMotion(motionBetween({7, 8, 0}, {7, 8, quarterTurn}, fullHd), {252, 899, -quarterTurn});
-}
-
-TEST(PictureMotion, OfAPanSeenByATurnedCameraIsTurned) {
-    // The scene's rightward step is upward in a frame that is turned clockwise by a quarter.
-    expectMotion(motionBetween({0, 0, quarterTurn}, {10, 0, quarterTurn}, fullHd), {0, 10, 0});
-}
-
 TEST(PictureMotion, CarriesEveryScenePointFromFrameToFrame) {
     using Complex = std::complex<double>;
     const Complex centre(959.5, 539.5), origin(384, 216);

@@ -1,15 +1,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 
-#include "media/VideoReader.h"
+#include "support/TestDirectory.h"
+#include "support/VideoFile.h"
 #include "tool/AnalyticSweep.h"
 #include "tool/RunTool.h"
-#include "tool/TestDirectory.h"
 
-namespace tool_test {
+namespace test_support {
 namespace {
 
 namespace fs = std::filesystem;
@@ -29,19 +30,9 @@ class RenderCommand : public testing::Test {
     const std::string video = (directory / "out.mp4").string();
 };
 
-std::vector<std::vector<std::uint8_t>> decode(const fs::path& file, int width, int height) {
-    orbitwalk::media::VideoReader reader(file);
-    EXPECT_EQ(reader.width(), width);
-    EXPECT_EQ(reader.height(), height);
-    std::vector<std::vector<std::uint8_t>> frames;
-    for (std::vector<std::uint8_t> frame; reader.read(frame);)
-        frames.push_back(frame);
-    return frames;
-}
-
 /// Mean difference of a frame's luma from the scene window whose crop it shows, 1.25 times
 /// enlarged.
-double lumaError(const std::vector<std::uint8_t>& frame, double sceneLeft, double sceneTop) {
+double lumaError(const Frame& frame, double sceneLeft, double sceneTop) {
     double sum = 0;
     for (int y = 0; y < 240; ++y)
         for (int x = 0; x < 320; ++x) {
@@ -59,8 +50,9 @@ TEST_F(RenderCommand, PlaysBorderFramesAndTheSteadySweep) {
               std::string::npos)
         << run.out;
     EXPECT_EQ(run.err, "");
-    const auto frames = decode(video, 320, 240);
+    const auto frames = readVideo(video);
     ASSERT_EQ(frames.size(), 13u);
+    ASSERT_EQ(frames[0].size(), 320u * 240 * 3 / 2);
     const double lefts[] = {-16, -8, 0, 8, 16, 24, 40, 48, 56, 64, 72, 80, 88};
     const double tops[] = {0, 0, 0, 1, 2, 3, 5, 6, 7, 8, 9, 9, 9};
     for (int i = 0; i < 13; ++i)
@@ -71,14 +63,15 @@ TEST_F(RenderCommand, GivesTheSameBytesWithAnyNumberOfThreads) {
     const std::string other = (directory / "other.mp4").string();
     ASSERT_EQ(render({"-o", video, "--threads", "1", "--no-border-frames"}).exitCode, 0);
     ASSERT_EQ(render({"-o", other, "--threads", "3", "--no-border-frames"}).exitCode, 0);
-    EXPECT_EQ(decode(video, 320, 240).size(), 9u);
+    EXPECT_EQ(readVideo(video).size(), 9u);
     EXPECT_TRUE(contentOf(video) == contentOf(other));
 }
 
 TEST_F(RenderCommand, PutsTheRecordedFramesOnTheLeft) {
     ASSERT_EQ(render({"-o", video, "--compare", "--quality", "4"}).exitCode, 0);
-    const auto frames = decode(video, 640, 240);
+    const auto frames = readVideo(video);
     ASSERT_EQ(frames.size(), 13u);
+    ASSERT_EQ(frames[3].size(), 640u * 240 * 3 / 2);
     double sum = 0;  // of the left half of the sweep's second frame
     for (int y = 0; y < 240; ++y)
         for (int x = 0; x < 320; ++x)
@@ -103,7 +96,7 @@ std::pair<int, int> pngSize(const fs::path& file) {
 TEST_F(RenderCommand, WritesStripAndPanorama) {
     const fs::path strip = directory / "strip.png", panorama = directory / "panorama.png";
     const ToolRun run = runTool({"render", input, "--strip", strip, "--panorama", panorama},
-                                tool_test::usingPictureCodecs());
+                                test_support::usingPictureCodecs());
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_EQ(pngSize(panorama), std::pair(360, 201));
     // Six columns and two rows of 320x240, with gaps of 6 and captions of 20 pixels.
@@ -112,77 +105,56 @@ TEST_F(RenderCommand, WritesStripAndPanorama) {
 
 TEST_F(RenderCommand, RefusesWhatDoesNotBelongTogetherInOneLineAndLeavesNothing) {
     struct Case {
-        const char* what;
-        std::function<void()> damage;
         std::vector<std::string> arguments;
         const char* complaint;
+        std::function<void()> damage = [] {};
     };
     const auto record = [&](auto change) {
         auto changed = sweep.record();
         change(changed);
         sweep.writeRecord(input / "sweep.obw", changed);
     };
+    const fs::path mp4 = input / "sweep.mp4", csv = input / "sweep.csv";
     const std::string picture = (directory / "p.png").string();
+    const std::vector<std::string> toVideo{"-o", video}, toPanorama{"--panorama", picture};
     const Case cases[] = {
-        {"frame count",
-         [&] { sweep.writeVideo(input / "sweep.mp4", 9); },
-         {"-o", video},
-         "the video has 9 frames, its record says 10"},
-        {"more frames",
-         [&] { sweep.writeVideo(input / "sweep.mp4", 12); },
-         {"--strip", picture},
-         "the video has 12 frames, its record says 10"},
-        {"size",
-         [&] { record([](auto& r) { r.width = 400; }); },
-         {"-o", video},
-         "the video is 320x240, its record says 400x240"},
-        {"no record",
-         [&] { writeFile(input / "sweep.obw", "short"); },
-         {"-o", video},
-         "not a motion record"},
-        {"nothing rendered",
-         [&] { record([](auto& r) { r.startIndex = 9, r.endIndex = 2; }); },
-         {"-o", video},
-         "renders no frame"},
-        {"no video",
-         [&] { writeFile(input / "sweep.mp4", "not a video"); },
-         {"-o", video},
-         "sweep.mp4"},
-        {"no path",
-         [&] { fs::remove(input / "sweep.csv"); },
-         {"-o", video, "--panorama", picture},
-         "sweep.csv: No such file"},
-        {"short path",
-         [&] { writeFile(input / "sweep.csv", "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n"); },
-         {"--panorama", picture},
-         "it has 1 frames, the record says 10"},
-        {"own input", [] {}, {"-o", (input / "sweep.mp4").string()}, "that name is taken"},
-        {"same name", [] {}, {"-o", video, "--strip", video}, "that name is taken"},
-        {"directory", [] {}, {"--strip", input.string()}, "cannot write"},
-        {"no output", [] {}, {}, "nothing to render"},
-        {"no directory", [] {}, {"-o", (input / "sweep.csv" / "out.mp4").string()}, "cannot write"},
+        {toVideo, "video has 9 frames, its record says 10", [&] { sweep.writeVideo(mp4, 9); }},
+        {{"--strip", picture}, "video has 12 frames, its", [&] { sweep.writeVideo(mp4, 12); }},
+        {toVideo, "is 320x240, its record says 400x240",
+         [&] { record([](auto& r) { r.width = 400; }); }},
+        {toVideo, "not a motion record", [&] { writeFile(input / "sweep.obw", "short"); }},
+        {toVideo, "renders no frame",
+         [&] { record([](auto& r) { std::ranges::fill(r.renderFlag, 0); }); }},
+        {toVideo, "sweep.mp4", [&] { writeFile(mp4, "not a video"); }},
+        {toPanorama, "sweep.csv: No such file", [&] { fs::remove(csv); }},
+        {toPanorama, "it has 1 frames, the record says 10",
+         [&] { writeFile(csv, "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n"); }},
+        {{"-o", mp4}, "that name is taken"},
+        {{"-o", video, "--strip", video}, "that name is taken"},
+        {{"--strip", input}, "cannot write"},
+        {{}, "nothing to render"},
+        {{"-o", csv / "out.mp4"}, "cannot write"},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments) + ": " + c.complaint);
         sweep.write(input);
         c.damage();
         const ToolRun run = render(c.arguments);
-        EXPECT_EQ(run.exitCode, 1) << c.what;
-        EXPECT_NE(run.err.find(c.complaint), std::string::npos) << c.what << ": " << run.err;
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_NE(run.err.find(c.complaint), std::string::npos) << run.err;
         EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
-        EXPECT_EQ(namesIn(directory / ""), std::vector<std::string>{"sweep"}) << c.what;
+        EXPECT_EQ(namesIn(directory / ""), std::vector<std::string>{"sweep"});
     }
 }
 
 TEST_F(RenderCommand, WarnsOfPixelsThatWereNeverRecorded) {
     auto record = sweep.record();
-    const std::int32_t whole[4] = {0, 0, 320, 240};
-    std::copy(whole, whole + 4, record.cropParam);
+    std::ranges::copy(std::array{0, 0, 320, 240}, record.cropParam);
     sweep.writeRecord(input / "sweep.obw", record);
     const ToolRun run = render({"-o", video});
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_NE(run.err.find("warning"), std::string::npos);
     EXPECT_NE(run.err.find("lie inside the crop but outside what was recorded"), std::string::npos);
 }
 
 }  // namespace
-}  // namespace tool_test
+}  // namespace test_support

@@ -7,12 +7,12 @@
 #include <nlohmann/json.hpp>
 
 #include "capture/Summary.h"
+#include "support/TestDirectory.h"
 #include "tool/AnalyticSweep.h"
 #include "tool/Browser.h"
 #include "tool/RunTool.h"
-#include "tool/TestDirectory.h"
 
-namespace tool_test {
+namespace test_support {
 namespace {
 
 namespace fs = std::filesystem;
@@ -179,7 +179,7 @@ void expectPictures(const json& found) {
 
 void expectWords(const json& found) {
     EXPECT_EQ(found.at("title"), kHostileName);
-    for (const char* text : {kHostileName, "320 × 240 px", "9 in the range 0 to 9",
+    for (const char* text : {kHostileName, "320 × 240 px", "right to left", "9 in the range 0 to 9",
                              "80.0 % of the width, 80.0 % of the height", "2 of 10 frames (20.0 %)",
                              "decode the video", "250 ms", "500 ms"})
         EXPECT_THAT(found.at("texts"), testing::Contains(text));
@@ -207,4 +207,4 @@ TEST_F(ReportInBrowser, MayNotUseTheNetwork) {
 }
 
 }  // namespace
-}  // namespace tool_test
+}  // namespace test_support

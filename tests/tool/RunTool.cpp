@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-namespace tool_test {
+namespace test_support {
 namespace {
 
 struct Pipe {
@@ -97,4 +97,4 @@ ToolRun runProgram(const std::string& program, const std::vector<std::string>& a
     return run;
 }
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace tool_test {
+namespace test_support {
 
 struct RunOptions {
     std::map<std::string, std::string> environment;  ///< Added to the test's own.
@@ -35,4 +35,4 @@ ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& opt
 ToolRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
                    const RunOptions& options = {});
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -7,17 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "media/VideoReader.h"
 #include "simulate/Simulation.h"
+#include "support/TestDirectory.h"
+#include "support/VideoFile.h"
 #include "tool/RunTool.h"
-#include "tool/TestDirectory.h"
 
 namespace orbitwalk::tool {
 namespace {
 
-using tool_test::contentOf;
-using tool_test::runTool;
-using tool_test::ToolRun;
+using test_support::contentOf;
+using test_support::runTool;
+using test_support::ToolRun;
 
 using Arguments = std::vector<std::string>;
 
@@ -34,35 +34,34 @@ void expectRefusal(const ToolRun& run, const std::string& reason) {
 }
 
 TEST(SimulateCommand, WritesTheSameClipAndTruthEveryTime) {
-    const tool_test::TestDirectory dir;
+    const test_support::TestDirectory dir;
     for (const std::string name : {"a", "b"}) {
         const ToolRun run = runTool(
             smallClip({"-o", dir / (name + ".mp4"), "--truth", dir / (name + ".csv"), "--json"}));
         ASSERT_EQ(run.exitCode, 0) << run.err;
         EXPECT_EQ(nlohmann::json::parse(run.out).at("frames"), 6);
     }
-    EXPECT_EQ(tool_test::namesIn(dir / ""), (Arguments{"a.csv", "a.mp4", "b.csv", "b.mp4"}));
+    EXPECT_EQ(test_support::namesIn(dir / ""), (Arguments{"a.csv", "a.mp4", "b.csv", "b.mp4"}));
     EXPECT_FALSE(contentOf(dir / "a.mp4").empty());
     EXPECT_EQ(contentOf(dir / "a.mp4"), contentOf(dir / "b.mp4"));
     EXPECT_EQ(contentOf(dir / "a.csv"), contentOf(dir / "b.csv"));
 }
 
 TEST(SimulateCommand, EncodesTheRenderedFramesWithoutVisibleLoss) {
-    const tool_test::TestDirectory dir;
+    const test_support::TestDirectory dir;
     ASSERT_EQ(runTool(smallClip({"-o", dir / "clip.mp4"})).exitCode, 0);
     SimulationSettings settings;
     settings.size = {160, 128};
     settings.frames = 6;
     settings.speed = 3;
     Simulation simulation(settings, {});
-    media::VideoReader reader(dir / "clip.mp4");
-    std::vector<std::uint8_t> decoded, frame(simulation.frameBytes());
-    int frames = 0;
-    for (; reader.read(decoded); ++frames) {
-        simulation.render(frames, frame);
-        EXPECT_GT(cv::PSNR(decoded, frame), 42) << "dB, frame " << frames;
+    const auto decoded = test_support::readVideo(dir / "clip.mp4");
+    ASSERT_EQ(decoded.size(), 6u);
+    test_support::Frame frame(simulation.frameBytes());
+    for (int i = 0; i < 6; ++i) {
+        simulation.render(i, frame);
+        EXPECT_GT(cv::PSNR(decoded[i], frame), 42) << "dB, frame " << i;
     }
-    EXPECT_EQ(frames, 6);
 }
 
 TEST(SimulateCommand, RefusesBadOptions) {
@@ -81,18 +80,18 @@ TEST(SimulateCommand, RefusesBadOptions) {
         {{"--quality", "20", "--bit-rate", "1000000"}, "--bit-rate"},
         {{"--frames", "100000"}, "too long"},
     };
-    const tool_test::TestDirectory dir;
+    const test_support::TestDirectory dir;
     for (const auto& [more, reason] : cases) {
         Arguments arguments{"simulate", "-o", dir / "clip.mp4"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         expectRefusal(runTool(arguments), reason);
-        EXPECT_EQ(tool_test::namesIn(dir / ""), Arguments{}) << reason;
+        EXPECT_EQ(test_support::namesIn(dir / ""), Arguments{}) << reason;
     }
 }
 
 TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) {
-    const tool_test::TestDirectory dir;
-    tool_test::writeFile(dir / "text", "no picture");
+    const test_support::TestDirectory dir;
+    test_support::writeFile(dir / "text", "no picture");
     std::filesystem::create_directory(dir / "folder");
     const std::string clip = dir / "clip.mp4", text = dir / "text", folder = dir / "folder";
     const struct {
@@ -109,20 +108,20 @@ TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) 
         {{text, "-o", text}, "names of their own"},
     };
     for (const auto& [arguments, reason] : cases) {
-        const ToolRun run = runTool(smallClip(arguments), tool_test::usingPictureCodecs());
+        const ToolRun run = runTool(smallClip(arguments), test_support::usingPictureCodecs());
         expectRefusal(run, reason);
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
-        EXPECT_EQ(tool_test::namesIn(dir / ""), (Arguments{"folder", "text"})) << reason;
+        EXPECT_EQ(test_support::namesIn(dir / ""), (Arguments{"folder", "text"})) << reason;
     }
 }
 
 TEST(SimulateCommand, LeavesNothingBehindWhenTheDiskIsFull) {
-    const tool_test::TestDirectory dir;
-    tool_test::RunOptions smallDisk;
+    const test_support::TestDirectory dir;
+    test_support::RunOptions smallDisk;
     smallDisk.fileSizeLimit = 4096;
     const Arguments arguments{"-o", dir / "clip.mp4", "--truth", dir / "truth.csv"};
     expectRefusal(runTool(smallClip(arguments), smallDisk), "clip.mp4");
-    EXPECT_EQ(tool_test::namesIn(dir / ""), Arguments{});
+    EXPECT_EQ(test_support::namesIn(dir / ""), Arguments{});
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 #include "common/SmoothedPath.h"
 #include "common/SweepTable.h"
 #include "common/ToolError.h"
+#include "support/TestDirectory.h"
 #include "tool/PanVideo.h"
 #include "tool/RunTool.h"
-#include "tool/TestDirectory.h"
 
 namespace orbitwalk::tool {
 namespace {
@@ -62,16 +62,6 @@ TEST(SmoothedPath, MeasuresFromTheFirstSelectedFrame) {
     EXPECT_EQ(path.smoothed.size(), 2u);
 }
 
-TEST(SmoothedPath, PassesTheFirstRunWhenThePictureStandsStill) {
-    const std::vector<SweepRow> rows(20, at(3, 1));
-    const auto path = smoothedPath(rows, 0, 20, 640, 480);
-    EXPECT_EQ(path.feedbackStep, 0);
-    EXPECT_EQ(path.smoothed.back().x, 0);
-    EXPECT_EQ(path.minX, 0);
-    EXPECT_EQ(path.maxX, 640);
-    EXPECT_EQ(path.maxY, 480);
-}
-
 TEST(SmoothedPath, FallsBackWhereNoRunKeepsEnough) {
     std::vector<SweepRow> wild;
     for (int i = 0; i < 20; ++i)
@@ -89,9 +79,9 @@ TEST(SmoothedPath, FallsBackWhereNoRunKeepsEnough) {
 
 // Where a corrected frame stands is its measured position moved by the correction in the record.
 TEST(SmoothedPath, IsWhereTheEnginesCorrectionsPutTheFrames) {
-    const tool_test::TestDirectory directory;
-    tool_test::writePanVideo(directory / "pan.mp4", {.frames = 16, .stepX = -9, .stepY = 2});
-    const auto run = tool_test::runTool(
+    const test_support::TestDirectory directory;
+    test_support::writePanVideo(directory / "pan.mp4", {.frames = 16, .stepX = -9, .stepY = 2});
+    const auto run = test_support::runTool(
         {"capture", directory / "pan.mp4", "-o", directory / "sweep", "--first", "1"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const RecordReader record = readRecordFile(directory / "sweep" / "sweep.obw");

@@ -1,4 +1,4 @@
-#include "tool/TestDirectory.h"
+#include "support/TestDirectory.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,7 +8,7 @@
 
 namespace fs = std::filesystem;
 
-namespace tool_test {
+namespace test_support {
 
 TestDirectory::TestDirectory() {
     std::string path = (fs::temp_directory_path() / "orbitwalk-test-XXXXXX").string();
@@ -39,4 +39,4 @@ void writeFile(const fs::path& file, const std::string& content) {
     std::ofstream(file, std::ios::binary) << content;
 }
 
-}  // namespace tool_test
+}  // namespace test_support

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace tool_test {
+namespace test_support {
 
 /// A fresh directory that is removed with all that it holds.
 class TestDirectory {
@@ -28,4 +28,4 @@ std::vector<std::string> namesIn(const std::filesystem::path& directory);
 std::string contentOf(const std::filesystem::path& file);
 void writeFile(const std::filesystem::path& file, const std::string& content);
 
-}  // namespace tool_test
+}  // namespace test_support

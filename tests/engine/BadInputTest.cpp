@@ -35,8 +35,7 @@ TEST_F(EngineTest, ATrajectoryCallWithoutACaptureGivesZeros) {
     EXPECT_EQ(x, 0.0f);
     EXPECT_EQ(y, 0.0f);
     EXPECT_EQ(a, 0.0f);
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    ASSERT_EQ(start(), OBW_RESULT_OK);
+    initAndStart();
     EXPECT_EQ(engine().computeTrajectory(frame.data(), nullptr, &y, &a), OBW_RESULT_FAIL);
     EXPECT_EQ(engine().computeTrajectory(frame.data(), &x, nullptr, &a), OBW_RESULT_FAIL);
     EXPECT_EQ(engine().computeTrajectory(frame.data(), &x, &y, nullptr), OBW_RESULT_FAIL);

@@ -18,8 +18,7 @@ TEST_F(EngineTest, CancelRightAfterInitFindsNothingToFree) {
 }
 
 TEST_F(EngineTest, CancelDropsQueuedFramesAndAllowsTheNextStart) {
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    ASSERT_EQ(start(), OBW_RESULT_OK);
+    initAndStart();
     fake_writer::closeGate();
     ASSERT_EQ(feed(10), OBW_RESULT_OK);
     ASSERT_TRUE(fake_writer::waitForEntered(1));
@@ -42,8 +41,7 @@ TEST_F(EngineTest, CancelDropsQueuedFramesAndAllowsTheNextStart) {
 }
 
 TEST_F(EngineTest, AStopInTheWrongStateTearsDownAllButTheMeasuringObjects) {
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    ASSERT_EQ(start(), OBW_RESULT_OK);
+    initAndStart();
     _OBW_ENGINE_INIT_PARAM bad = param;
     bad.fpMP4 = nullptr;
     ASSERT_EQ(engine().start(&bad), OBW_RESULT_INVALID_PARAM);
@@ -74,24 +72,8 @@ TEST_F(EngineTest, DeinitFreesWhatAFailedPostProcessingLeft) {
     EXPECT_EQ(fake_platform::countLog("kelOBWEngine::ResetInstance -- done"), 1);
 }
 
-TEST_F(EngineTest, DeinitDuringPostProcessingLetsItFinish) {
-    fake_writer::closeGate();
-    beginCapture(3);
-    std::thread opener([] {
-        while (fake_platform::countLogPrefix("kelOBWEngine::deinit lock engineState=5") == 0)
-            std::this_thread::yield();
-        fake_writer::openGate();
-    });
-    EXPECT_EQ(deinitOrbitwalkEngine(), 1);
-    opener.join();
-    EXPECT_EQ(listener.percents(), kAllProgress) << "its last call is over, too";
-    EXPECT_EQ(initOrbitwalkEngine(&listener), 1) << "a fresh instance";
-    EXPECT_EQ(state(), 9);
-}
-
 TEST_F(EngineTest, CleanupReturnsToTheFixedDirectoryWhenTheHostHasMovedIt) {
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    ASSERT_EQ(start(), OBW_RESULT_OK);
+    initAndStart();
     const std::string old(localTmpDir);
     std::snprintf(localTmpDir, sizeof localTmpDir, "%s/moved/", root.c_str());
     std::filesystem::create_directory(root + "/moved");

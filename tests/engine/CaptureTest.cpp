@@ -19,7 +19,6 @@ TEST_F(EngineTest, AStillCaptureGivesARecordOfIdentities) {
     expected.width = 64;
     expected.height = 48;
     expected.numFrames = 3;
-    expected.startIndex = 0;
     expected.endIndex = 2;
     expected.captureDirection = 1;
     expected.cameraType = 1;
@@ -39,13 +38,18 @@ TEST_F(EngineTest, AStillCaptureGivesARecordOfIdentities) {
         std::memcpy(expected.rightBorderMat[i], kIdentity, sizeof kIdentity);
     }
     EXPECT_EQ(std::memcmp(&record, &expected, sizeof expected), 0);
-    EXPECT_EQ(fake_writer::record().frames.size(), 3u);
     EXPECT_FALSE(tempDirExists());
+    const auto writer = fake_writer::record();
+    EXPECT_EQ(writer.frames.size(), 3u);
+    ASSERT_EQ(writer.inits.size(), 1u);
+    EXPECT_EQ(writer.inits[0].file, stream);
+    EXPECT_EQ(writer.inits[0].tempDir, tempDir.string() + "/RW_LIB/");
+    EXPECT_EQ(writer.inits[0].width, kWidth);
+    EXPECT_EQ(writer.inits[0].height, kHeight);
 }
 
 TEST_F(EngineTest, StopSendsTheSelectedFramesAgainstTheFirstOfThem) {
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    ASSERT_EQ(start(), OBW_RESULT_OK);
+    initAndStart();
     ASSERT_EQ(feed(5), OBW_RESULT_OK);
     std::vector<_ENCODING_FRAME_INFORMATION> frames;
     for (int i = 0; i < 5; ++i)
@@ -118,8 +122,7 @@ TEST_F(EngineTest, InvalidRangesAndDirectionsFallBackToDefaults) {
 }
 
 TEST_F(EngineTest, FramesBeyondTheRecordsCapacityAreStillEncoded) {
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    ASSERT_EQ(start(), OBW_RESULT_OK);
+    initAndStart();
     EXPECT_EQ(feed(1001), OBW_RESULT_OK);
     ASSERT_EQ(stop(0, 999, framesWithFlags(std::vector<int>(1000, 1))), OBW_RESULT_OK);
     EXPECT_EQ(listener.awaitAll(), kAllProgress);
@@ -137,8 +140,7 @@ TEST_F(EngineTest, OneProcessMakesOneCaptureAfterAnother) {
     ASSERT_EQ(start(), OBW_RESULT_OK) << "state 7 accepts a start";
     EXPECT_EQ(fake_platform::countLog("kelOBWEngine::start lock done, engineState=4, numCapture=1"),
               1);
-    ASSERT_EQ(feed(2), OBW_RESULT_OK);
-    ASSERT_EQ(stop(0, 1, framesWithFlags({1, 1})), OBW_RESULT_OK);
+    feedAndStop(2);
     EXPECT_EQ(listener.awaitAll(), kAllProgress);
     EXPECT_EQ(record.numFrames, 2);
     EXPECT_EQ(fake_writer::record().inits.size(), 2u);

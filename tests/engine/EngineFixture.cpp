@@ -71,11 +71,19 @@ int EngineTest::stop(int first, int last, std::vector<_ENCODING_FRAME_INFORMATIO
     return engine().stop(first, last, frames.data(), static_cast<int>(frames.size()), direction);
 }
 
-void EngineTest::beginCapture(int frames) {
+void EngineTest::initAndStart() {
     ASSERT_EQ(init(), OBW_RESULT_OK);
     ASSERT_EQ(start(), OBW_RESULT_OK);
+}
+
+void EngineTest::feedAndStop(int frames) {
     ASSERT_EQ(feed(frames), OBW_RESULT_OK);
     ASSERT_EQ(stop(0, frames - 1, framesWithFlags(std::vector<int>(frames, 1))), OBW_RESULT_OK);
+}
+
+void EngineTest::beginCapture(int frames) {
+    initAndStart();
+    feedAndStop(frames);
 }
 
 std::vector<_ENCODING_FRAME_INFORMATION> framesWithFlags(const std::vector<int>& flags) {

@@ -53,6 +53,9 @@ class EngineTest : public testing::Test {
     int feed(int count);
     int stop(int first, int last, std::vector<_ENCODING_FRAME_INFORMATION> frames,
              OBWDirection direction = OBW_DIRECTION_LEFT2RIGHT);
+    void initAndStart();
+    /// Feeds frames and stops over all of them.
+    void feedAndStop(int frames);
     /// init, start, frames, and a stop over all of them.
     void beginCapture(int frames);
     /// Waits until post-processing has ended, whichever way: a frame call takes the lock.

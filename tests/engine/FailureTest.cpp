@@ -48,21 +48,6 @@ TEST_F(FailureTest, NoAllocationThatFailsEscapesOrLeaksOrBlocks) {
     EXPECT_GT(n, 20) << "allocations of a capture";
 }
 
-TEST_F(FailureTest, ARefusedHandOverKeepsTheEngineFromTakingMore) {
-    ASSERT_EQ(init(), 0);
-    ASSERT_EQ(start(), 0);
-    failure::setGateOpen(false);
-    int result = 0;
-    while (result == 0) {
-        failure::failAllocation(1);
-        result = frame();
-        EXPECT_EQ(failure::allocationFailed(), result != 0);
-    }
-    EXPECT_EQ(result, OBW_RESULT_FAIL);
-    EXPECT_EQ(failure::stateOf(engine()), 3);
-    EXPECT_EQ(frame(), OBW_RESULT_INVALID_STATE);
-}
-
 TEST_F(FailureTest, AFailedStartLeavesTheEngineIdleAndTheNextOneSucceeds) {
     for (long n = 1;; ++n) {
         ASSERT_EQ(init(), 0);

@@ -68,35 +68,40 @@ TEST_F(EngineTest, AListenerThatThrowsDoesNotStopTheWork) {
 TEST_F(EngineTest, OtherCallsWaitUntilPostProcessingHasEnded) {
     const struct {
         const char* name;
-        int (*call)(EngineTest&, kelOBWEngine&);
+        int (*call)(kelOBWEngine&);
+        int result;
         const char* before;  ///< Said before the lock is taken.
     } cases[] = {
         {"stop",
-         [](EngineTest&, kelOBWEngine& engine) {
+         [](kelOBWEngine& engine) {
              auto frames = framesWithFlags({1});
              return engine.stop(0, 0, frames.data(), 1, OBW_DIRECTION_LEFT2RIGHT);
          },
+         OBW_RESULT_INVALID_STATE,
          "kelOBWEngine::stop STOP_NON_BLOCKING : stateLock-lock : engineState=5, "},
-        {"cancel", [](EngineTest&, kelOBWEngine& engine) { return engine.cancel(); },
+        {"cancel", [](kelOBWEngine& engine) { return engine.cancel(); }, OBW_RESULT_INVALID_STATE,
          "kelOBWEngine::cancel : stateLock-lock : engineState=5"},
         {"frame",
-         [](EngineTest&, kelOBWEngine& engine) {
+         [](kelOBWEngine& engine) {
              unsigned char byte = 0;
              return engine.setFrameInfo(&byte, 0, 0, 0);
          },
+         OBW_RESULT_INVALID_STATE,
          "kelOBWEngine::setFrameInfo : stateLock-lock : totalNumFrames=2, engineState=5, "},
+        {"deinit", [](kelOBWEngine& engine) { return engine.deinit(); }, OBW_RESULT_OK,
+         "kelOBWEngine::deinit lock engineState=5"},
     };
     for (const auto& c : cases) {
         fake_writer::closeGate();
         listener.forget();
         beginCapture(2);
         fake_platform::clearLog();
-        auto waiting = std::async(std::launch::async, [&] { return c.call(*this, engine()); });
+        auto waiting = std::async(std::launch::async, [&] { return c.call(engine()); });
         while (fake_platform::countLogPrefix(c.before) == 0)
             std::this_thread::yield();
         EXPECT_THAT(listener.percents(), IsEmpty());
         fake_writer::openGate();
-        EXPECT_EQ(waiting.get(), OBW_RESULT_INVALID_STATE) << c.name;
+        EXPECT_EQ(waiting.get(), c.result) << c.name;
         EXPECT_EQ(listener.awaitAll(), kAllProgress) << c.name;
         EXPECT_FALSE(tempDirExists());
     }

@@ -4,10 +4,10 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "orbitwalk/Engine.h"
 #include "support/FakePlatform.h"
+#include "support/TestDirectory.h"
 
 namespace {
 
@@ -15,20 +15,15 @@ namespace fs = std::filesystem;
 
 class TempDirectoryTest : public testing::Test {
   protected:
-    TempDirectoryTest() {
-        std::string name = testing::TempDir() + "orbitwalk.XXXXXX";
-        EXPECT_NE(mkdtemp(name.data()), nullptr);
-        root = name;
-        fs::create_directory(dir());
-    }
-    ~TempDirectoryTest() override { fs::remove_all(root); }
+    TempDirectoryTest() { fs::create_directory(dir()); }
 
     fs::path dir() const { return root / "work"; }
     /// As the engine names it, with a slash at the end.
     std::string name() const { return dir().string() + "/"; }
-    static void write(const fs::path& file) { std::ofstream(file) << "x"; }
+    static void write(const fs::path& file) { test_support::writeFile(file, "x"); }
 
-    fs::path root;
+    const test_support::TestDirectory directory;
+    const fs::path root = (directory / "").parent_path();
 };
 
 TEST_F(TempDirectoryTest, IsRemovedWithAllThatItHolds) {

@@ -3,6 +3,8 @@
 # A rendered sweep's residual motion is well below its input's when it is at most this share of it.
 WELL_BELOW = 0.5
 
+UNMEASURED = "–"
+
 HEADER = ("| clip | | residual x, y, px | angle, ° | of the input's | view kept | beyond the source | missing, px "
           "| sharpness | ms a frame | path error x, y, px; ° | drift, px a 100 px | repeated |")
 
@@ -12,10 +14,18 @@ def magnitude(residual):
 
 
 def share_of_input(video):
-    return magnitude(video["residualMotion"]) / magnitude(video["source"]["residualMotion"])
+    """None when there is nothing to compare: a motion was not measured, or the input has none."""
+    rest, given = video["residualMotion"], video["source"]["residualMotion"]
+    return magnitude(rest) / magnitude(given) if rest and given and magnitude(given) else None
+
+
+def cell(value, form):
+    return UNMEASURED if value is None else format(value, form)
 
 
 def residual_cells(residual):
+    if residual is None:
+        return [UNMEASURED, UNMEASURED]
     lost = f" ({residual['unmeasured']} lost)" if residual["unmeasured"] else ""
     return [f"{residual['xPixels']:.2f}, {residual['yPixels']:.2f}{lost}", f"{residual['angleDegrees']:.3f}"]
 
@@ -31,9 +41,9 @@ def path_cells(path):
 def method_row(method, result):
     video = result["video"]
     source = video["source"]
-    return ["", method, *residual_cells(video["residualMotion"]), f"{share_of_input(video):.0%}",
+    return ["", method, *residual_cells(video["residualMotion"]), cell(share_of_input(video), ".0%"),
             f"{source['keptView']:.1%}", f"{source['beyondSource']:.2%}", str(source["missingPixels"]),
-            f"{source['sharpness']:.2f}", f"{result['millisecondsPerFrame']:.0f}",
+            cell(source["sharpness"], ".2f"), f"{result['millisecondsPerFrame']:.0f}",
             *path_cells(result.get("path"))]
 
 
@@ -61,5 +71,7 @@ def shortcomings(results):
         if missing:
             yield f"{clip['name']}: {missing} missing pixels inside the crop"
         share = share_of_input(ours["video"])
-        if share > WELL_BELOW:
+        if share is None:
+            yield f"{clip['name']}: the residual motion cannot be compared with the input's"
+        elif share > WELL_BELOW:
             yield f"{clip['name']}: {share:.0%} of the input's residual motion is left"

@@ -45,7 +45,7 @@ ResidualMotion measure(const JitteryPan& pan, std::vector<double>& x, std::vecto
         }
         meter.take(picture);
     }
-    return residualMotion(meter.motions());
+    return residualMotion(meter.motions()).value();
 }
 
 cv::Mat1b grating(double period) {
@@ -71,13 +71,15 @@ TEST(ResidualMotion, IsTheSecondDifferenceOfAKnownJitter) {
 }
 
 TEST(ResidualMotion, LeavesOutWhatCannotBeMeasured) {
-    MotionMeter meter;
-    meter.take(cv::Mat1b(pictureSize(), 90));
-    meter.take(cv::Mat1b(pictureSize(), 90));
-    meter.take(takePicture({}));
-    const ResidualMotion residual = residualMotion(meter.motions());
-    EXPECT_EQ(residual.unmeasured, 2);
-    EXPECT_EQ(residual.x, 0);
+    const auto even = std::make_optional<FrameMotion>({4, 0, 0});
+    const auto faster = std::make_optional<FrameMotion>({7, 0, 0});
+    const std::optional<FrameMotion> lost;
+    const auto residual = residualMotion(std::vector{even, lost, faster, faster, even});
+    ASSERT_TRUE(residual);
+    EXPECT_EQ(residual->unmeasured, 1);
+    EXPECT_NEAR(residual->x, 3 / std::sqrt(2), 1e-9);
+    EXPECT_FALSE(residualMotion(std::vector{even}));
+    EXPECT_FALSE(residualMotion(std::vector{even, lost, even}));
 }
 
 TEST(Registration, FindsHowMuchOfTheSourceAPictureKeeps) {

@@ -20,7 +20,7 @@ struct Evaluation {
 /// @return paragraphs for people, one a part.
 std::string toText(const Evaluation& evaluation);
 
-/// One object a part: sweep, path, video. Keys name their unit.
+/// One object a part: sweep, path, video. Keys name their unit. What could not be measured is null.
 nlohmann::ordered_json toJson(const Evaluation& evaluation);
 
 }  // namespace orbitwalk::tool

@@ -35,11 +35,13 @@ Json pathJson(const PathError& path) {
             {"repeatedShare", path.repeatedShare}};
 }
 
-Json residualJson(const ResidualMotion& residual) {
-    return {{"xPixels", residual.x},
-            {"yPixels", residual.y},
-            {"angleDegrees", residual.angle},
-            {"unmeasured", residual.unmeasured}};
+Json residualJson(const std::optional<ResidualMotion>& residual) {
+    if (!residual)
+        return nullptr;
+    return {{"xPixels", residual->x},
+            {"yPixels", residual->y},
+            {"angleDegrees", residual->angle},
+            {"unmeasured", residual->unmeasured}};
 }
 
 Json sourceJson(const SourceComparison& source) {
@@ -49,7 +51,7 @@ Json sourceJson(const SourceComparison& source) {
             {"beyondSource", source.beyond},
             {"mostBeyondSource", source.mostBeyond},
             {"missingPixels", source.missingPixels},
-            {"sharpness", source.sharpness},
+            {"sharpness", source.sharpness ? Json(*source.sharpness) : Json(nullptr)},
             {"unregistered", source.unregistered}};
 }
 

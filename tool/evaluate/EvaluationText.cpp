@@ -44,11 +44,14 @@ void addPath(std::string& text, const PathError& path) {
     addLine(text, "  motion repeated in %.1f %% of the frames", path.repeatedShare * 100);
 }
 
-void addResidual(std::string& text, const char* name, const ResidualMotion& residual) {
-    addLine(text, "  residual motion%s: x %.3f, y %.3f pixels, angle %.4f deg%s", name, residual.x,
-            residual.y, residual.angle,
-            residual.unmeasured > 0
-                ? (" (" + std::to_string(residual.unmeasured) + " motions not measured)").c_str()
+void addResidual(std::string& text, const char* name,
+                 const std::optional<ResidualMotion>& residual) {
+    if (!residual)
+        return addLine(text, "  residual motion%s: not measured", name);
+    addLine(text, "  residual motion%s: x %.3f, y %.3f pixels, angle %.4f deg%s", name, residual->x,
+            residual->y, residual->angle,
+            residual->unmeasured > 0
+                ? (" (" + std::to_string(residual->unmeasured) + " motions not measured)").c_str()
                 : "");
 }
 
@@ -60,7 +63,10 @@ void addSource(std::string& text, const SourceComparison& source) {
             source.mostBeyond * 100);
     addLine(text, "  black where the source is not: %lld pixels",
             static_cast<long long>(source.missingPixels));
-    addLine(text, "  sharpness: %.3f of the source's", source.sharpness);
+    if (source.sharpness)
+        addLine(text, "  sharpness: %.3f of the source's", *source.sharpness);
+    else
+        addLine(text, "  sharpness: not measured");
     if (source.unregistered > 0)
         addLine(text, "  %d frames were not found in the source", source.unregistered);
 }

@@ -20,7 +20,7 @@ FrameMotion motionAtCentre(const Affine& map, cv::Size size) {
 
 }  // namespace
 
-ResidualMotion residualMotion(std::span<const std::optional<FrameMotion>> motions) {
+std::optional<ResidualMotion> residualMotion(std::span<const std::optional<FrameMotion>> motions) {
     ResidualMotion residual;
     residual.unmeasured = static_cast<int>(
         std::ranges::count_if(motions, [](const auto& motion) { return !motion; }));
@@ -35,8 +35,10 @@ ResidualMotion residualMotion(std::span<const std::optional<FrameMotion>> motion
         residual.angle += std::pow(now.angle - before.angle, 2);
         ++changes;
     }
+    if (changes == 0)
+        return std::nullopt;
     for (double* axis : {&residual.x, &residual.y, &residual.angle})
-        *axis = changes > 0 ? std::sqrt(*axis / changes) : 0;
+        *axis = std::sqrt(*axis / changes);
     return residual;
 }
 

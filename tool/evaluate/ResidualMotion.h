@@ -23,7 +23,8 @@ struct ResidualMotion {
     int unmeasured = 0;  ///< Motions that could not be measured; left out.
 };
 
-ResidualMotion residualMotion(std::span<const std::optional<FrameMotion>> motions);
+/// Nothing when no two motions one after the other could be measured.
+std::optional<ResidualMotion> residualMotion(std::span<const std::optional<FrameMotion>> motions);
 
 /// Measures a video's motions as its frames pass by.
 class MotionMeter {

@@ -18,7 +18,9 @@ class Mean {
         mSum += value;
         ++mCount;
     }
-    double value() const { return mCount > 0 ? mSum / mCount : 0; }
+    std::optional<double> value() const {
+        return mCount > 0 ? std::make_optional(mSum / mCount) : std::nullopt;
+    }
 
   private:
     double mSum = 0;
@@ -50,9 +52,11 @@ class Comparison {
     SourceComparison result(int frames) {
         if (mSource.frames.empty() ? mVideo.next() : frames != std::ssize(mSource.frames))
             fail();
+        if (!mKept.value())
+            throw ToolError(mSource.video.string() + ": not one frame of the video shows it");
         mResult.residual = residualMotion(mMeter.motions());
-        mResult.kept = mKept.value();
-        mResult.beyond = mBeyond.value();
+        mResult.kept = *mKept.value();
+        mResult.beyond = *mBeyond.value();
         mResult.sharpness = mSharpness.value();
         return mResult;
     }
@@ -73,7 +77,7 @@ class Comparison {
     }
 
     void takeView(const View& view) {
-        mResult.leastKept = mKept.value() > 0 ? std::min(mResult.leastKept, view.kept) : view.kept;
+        mResult.leastKept = mKept.value() ? std::min(mResult.leastKept, view.kept) : view.kept;
         mResult.mostBeyond = std::max(mResult.mostBeyond, view.beyond);
         mKept.take(view.kept);
         mBeyond.take(view.beyond);

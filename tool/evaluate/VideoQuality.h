@@ -13,20 +13,21 @@ namespace orbitwalk::tool {
 
 /// What a stabilised video made of the frames that it shows.
 struct SourceComparison {
-    ResidualMotion residual;  ///< Of the source.
-    double kept = 0;          ///< Mean of View::kept.
+    std::optional<ResidualMotion> residual;  ///< Of the source.
+    double kept = 0;                         ///< Mean of View::kept.
     double leastKept = 0;
     double beyond = 0;  ///< Mean of View::beyond.
     double mostBeyond = 0;
     std::int64_t missingPixels = 0;  ///< Of all frames, see missingBorderPixels.
-    double sharpness = 0;            ///< Mean of relativeSharpness, over every fifth frame.
-    int unregistered = 0;            ///< Frames that could not be found in the source; left out.
+    /// Mean of relativeSharpness, over every fifth frame; nothing when none of them has one.
+    std::optional<double> sharpness;
+    int unregistered = 0;  ///< Frames that could not be found in the source; left out.
 };
 
 struct VideoQuality {
     int frames = 0;
     cv::Size size;
-    ResidualMotion residual;
+    std::optional<ResidualMotion> residual;
     std::int64_t blackPixels = 0;  ///< Of all frames, see blackBorderPixels.
     int framesWithBlack = 0;
     std::optional<SourceComparison> source;
@@ -41,7 +42,8 @@ struct Source {
 
 /// Judges a video by its pictures alone.
 /// @param progress  told the number of frames judged so far.
-/// @throws ToolError when the source has other frames than the video needs; MediaError.
+/// @throws ToolError when the source has other frames than the video needs, or the video shows
+/// nothing of it; MediaError.
 VideoQuality judgeVideo(const std::filesystem::path& video, const std::optional<Source>& source,
                         const std::function<void(int)>& progress);
 

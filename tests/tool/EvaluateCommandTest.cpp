@@ -15,41 +15,45 @@ using testing::HasSubstr;
 
 namespace {
 
-void writeViews(const std::filesystem::path& file, const std::vector<View>& views) {
+void writePictures(const std::filesystem::path& file, const std::vector<cv::Mat1b>& pictures) {
     orbitwalk::media::EncoderSettings settings;
     settings.width = pictureSize().width;
     settings.height = pictureSize().height;
     settings.quality = 8;
-    writeVideo(file, settings, static_cast<int>(views.size()), [&](int i) {
-        const cv::Mat1b luma = takePicture(views[i]);
+    writeVideo(file, settings, static_cast<int>(pictures.size()), [&](int i) {
+        const cv::Mat1b& luma = pictures[i];
         Frame i420(luma.total() * 3 / 2, 128);
         std::copy(luma.begin(), luma.end(), i420.begin());
         return i420;
     });
 }
 
+std::vector<cv::Mat1b> flat(int frames) {
+    return std::vector<cv::Mat1b>(frames, cv::Mat1b(pictureSize(), 90));
+}
+
 /// A pan that jumps to and fro by 2 pixels: the second difference is 8 pixels.
-std::vector<View> jumpyPan(int frames) {
-    std::vector<View> views;
+std::vector<cv::Mat1b> jumpyPan(int frames) {
+    std::vector<cv::Mat1b> pictures;
     for (int k = 0; k < frames; ++k)
-        views.push_back({5.0 * k + (k % 2 ? 2 : -2), 0});
-    return views;
+        pictures.push_back(takePicture({5.0 * k + (k % 2 ? 2 : -2), 0}));
+    return pictures;
 }
 
 /// The same without the jumps, enlarged.
-std::vector<View> steadyPan(int frames) {
-    std::vector<View> views;
+std::vector<cv::Mat1b> steadyPan(int frames) {
+    std::vector<cv::Mat1b> pictures;
     for (int k = 0; k < frames; ++k)
-        views.push_back({5.0 * k, 0, 0, 1.25});
-    return views;
+        pictures.push_back(takePicture({5.0 * k, 0, 0, 1.25}));
+    return pictures;
 }
 
 }  // namespace
 
 TEST(EvaluateCommand, JudgesASteadyVideoBesideItsSource) {
     const TestDirectory directory;
-    writeViews(directory / "clip.mp4", jumpyPan(10));
-    writeViews(directory / "steady.mp4", steadyPan(10));
+    writePictures(directory / "clip.mp4", jumpyPan(10));
+    writePictures(directory / "steady.mp4", steadyPan(10));
     const ToolRun run = runTool({"evaluate", "--video", directory / "steady.mp4", "--against",
                                  directory / "clip.mp4", "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -111,12 +115,40 @@ TEST(EvaluateCommand, JudgesARenderingMirroredAsThePreviewWas) {
     EXPECT_NEAR(source.at("keptView"), 256 * 192 / (320 * 240.0), 0.01);
 }
 
+TEST(EvaluateCommand, SaysWhatItCouldNotMeasure) {
+    const TestDirectory directory;
+    const std::string clip = directory / "clip.mp4";
+    writePictures(clip, flat(3));
+    EXPECT_THAT(runTool({"evaluate", "--video", clip}).out,
+                HasSubstr("residual motion: not measured"));
+    // Found in its source, but in none of the frames whose sharpness is looked at.
+    auto pictures = flat(1);
+    pictures.push_back(takePicture({}));
+    writePictures(clip, pictures);
+    const ToolRun run = runTool({"evaluate", "--video", clip, "--against", clip, "--json"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto video = nlohmann::json::parse(run.out).at("video");
+    EXPECT_TRUE(video.at("residualMotion").is_null());
+    EXPECT_TRUE(video.at("source").at("residualMotion").is_null());
+    EXPECT_TRUE(video.at("source").at("sharpness").is_null());
+    EXPECT_NEAR(video.at("source").at("keptView"), 1, 0.005);
+    EXPECT_NEAR(video.at("source").at("leastKeptView"), 1, 0.005);
+}
+
 TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {
     const TestDirectory directory;
     const std::string clip = directory / "clip.mp4", longer = directory / "longer.mp4";
-    writeViews(clip, steadyPan(3));
-    writeViews(longer, steadyPan(4));
+    writePictures(clip, steadyPan(3));
+    writePictures(longer, steadyPan(4));
     writeFile(directory / "text.mp4", "no video");
+    const std::string grey = directory / "grey.mp4", sweep = directory / "sweep";
+    writePictures(grey, flat(3));
+    const AnalyticSweep analytic;
+    analytic.write(sweep);
+    const std::string whole = directory / "whole.mp4", tenFrames = directory / "ten.mp4";
+    analytic.writeVideo(tenFrames, 10);
+    analytic.writeVideo(whole, 9);  // As many as a rendering has.
+    analytic.writeVideo(directory / "sweep/sweep.mp4", 12);
     const struct {
         std::vector<std::string> arguments;
         const char* reason;
@@ -125,9 +157,14 @@ TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {
         {{"--video", clip, "--truth", "truth.csv"}, "give its directory"},
         {{"--video", clip, "--against", longer}, "do not correspond"},
         {{"--video", longer, "--against", clip}, "do not correspond"},
+        {{"--video", grey, "--against", clip}, "not one frame"},
         {{"--video", directory / "text.mp4"}, "text.mp4"},
         {{"--video", directory / "none.mp4"}, "none.mp4"},
         {{directory / "nowhere"}, "sweep.obw"},
+        {{sweep, "--video", whole}, "sweep.mp4: the video has 12 frames, its record says 10"},
+        {{sweep, "--video", whole, "--against", whole}, "the video has 9 frames, its record says"},
+        {{sweep, "--video", whole, "--against", clip}, "clip.mp4: the video is 640x480, its"},
+        {{sweep, "--video", clip, "--against", tenFrames}, "clip.mp4: the video is 640x480, its"},
     };
     for (auto [arguments, reason] : cases) {
         arguments.insert(arguments.begin(), "evaluate");

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -55,19 +56,29 @@ std::vector<int> framesShown(const RecordReader& record, int videoFrames) {
                     " frames, which is no rendering of this sweep");
 }
 
-int countFrames(const fs::path& file) {
+/// Decodes a whole video of the sweep. @return its number of frames.
+int countFrames(const fs::path& file, const Sweep& sweep) {
     LumaVideo video(file);
+    requireSize(file, video.size(), sweep.size());
     while (video.next()) {
     }
     return video.framesRead();
+}
+
+/// The clip captured goes on where the sweep is full.
+void requireFrames(const fs::path& source, const Sweep& sweep) {
+    const int frames = countFrames(source, sweep), recorded = sweep.record.frameCount();
+    const bool endsEarly = source != sweep.video && recorded == OBW_MAX_FRAMES;
+    requireFrameCount(source, endsEarly ? std::min(frames, recorded) : frames, recorded);
 }
 
 std::optional<Source> sourceOf(const EvaluateOptions& options, const std::optional<Sweep>& sweep) {
     if (!sweep)
         return options.against.empty() ? std::nullopt
                                        : std::make_optional<Source>({options.against, {}, false});
-    return Source{options.against.empty() ? sweep->video : options.against,
-                  framesShown(sweep->record, countFrames(options.video)),
+    const fs::path video = options.against.empty() ? sweep->video : options.against;
+    requireFrames(video, *sweep);
+    return Source{video, framesShown(sweep->record, countFrames(options.video, *sweep)),
                   sweep->record.isFlipped()};
 }
 

@@ -10,8 +10,8 @@ namespace orbitwalk::tool {
 
 namespace {
 
-std::string sizeText(int width, int height) {
-    return std::to_string(width) + "x" + std::to_string(height);
+std::string textOf(cv::Size size) {
+    return std::to_string(size.width) + "x" + std::to_string(size.height);
 }
 
 }  // namespace
@@ -25,23 +25,31 @@ Sweep openSweep(const std::filesystem::path& directory) {
     return sweep;
 }
 
+void requireSize(const std::filesystem::path& video, cv::Size size, cv::Size recorded) {
+    if (size != recorded)
+        throw ToolError(video.string() + ": the video is " + textOf(size) + ", its record says " +
+                        textOf(recorded));
+}
+
+void requireFrameCount(const std::filesystem::path& video, int frames, int recorded) {
+    if (frames != recorded)
+        throw ToolError(video.string() + ": the video has " + std::to_string(frames) +
+                        " frames, its record says " + std::to_string(recorded));
+}
+
 ShotReader::ShotReader(const Sweep& sweep, std::vector<Shot> shots)
     : mName(sweep.video),
       mShots(std::move(shots)),
       mVideo(sweep.video),
       mFramesInRecord(sweep.record.frameCount()) {
-    const cv::Size size = sweep.size();
-    if (mVideo.width() != size.width || mVideo.height() != size.height)
-        throw ToolError(mName.string() + ": the video is " +
-                        sizeText(mVideo.width(), mVideo.height()) + ", its record says " +
-                        sizeText(size.width, size.height));
+    requireSize(mName, {mVideo.width(), mVideo.height()}, sweep.size());
 }
 
 std::optional<ShotFrame> ShotReader::next() {
     const bool ended = mNext == mShots.size();
     while (ended || mFramesRead <= mShots[mNext].frame)
         if (!decodeFrame()) {
-            checkFrameCount();
+            requireFrameCount(mName, mFramesRead, mFramesInRecord);
             return std::nullopt;
         }
     const Shot& shot = mShots[mNext++];
@@ -55,12 +63,6 @@ bool ShotReader::decodeFrame() {
     mFrame = std::move(pixels);
     ++mFramesRead;
     return true;
-}
-
-void ShotReader::checkFrameCount() const {
-    if (mFramesRead != mFramesInRecord)
-        throw ToolError(mName.string() + ": the video has " + std::to_string(mFramesRead) +
-                        " frames, its record says " + std::to_string(mFramesInRecord));
 }
 
 }  // namespace orbitwalk::tool

@@ -25,6 +25,11 @@ struct Sweep {
 /// Opens the record. @throws ToolError when it cannot be read, is none or renders no frame.
 Sweep openSweep(const std::filesystem::path& directory);
 
+/// @throws ToolError when a video's size is not the one that its record says.
+void requireSize(const std::filesystem::path& video, cv::Size size, cv::Size recorded);
+/// @throws ToolError when a video's number of frames is not the one that its record says.
+void requireFrameCount(const std::filesystem::path& video, int frames, int recorded);
+
 /// I420, of the size of the record; shared among the shots that show it.
 using Frame = std::shared_ptr<const std::vector<std::uint8_t>>;
 
@@ -47,7 +52,6 @@ class ShotReader {
 
   private:
     bool decodeFrame();
-    void checkFrameCount() const;
 
     std::filesystem::path mName;
     std::vector<Shot> mShots;

@@ -80,6 +80,16 @@ void AnalyticSweep::write(const std::filesystem::path& directory) const {
         csv << i << ',' << -left(i) << ',' << -top(i) << ",0," << (i != 4) << ",0\n";
 }
 
+void AnalyticSweep::writeJoltedPath(const std::filesystem::path& file) const {
+    constexpr int jolt[frames][2] = {{0, 0},   {23, 9},  {-16, 5}, {-19, -16}, {0, 0},
+                                     {-5, -9}, {8, -20}, {28, 2},  {12, 10},   {0, -11}};
+    std::ofstream csv(file);
+    csv << "frame,x,y,a,flag,repeated\n";
+    for (int i = 0; i < frames; ++i)
+        csv << i << ',' << -8 * i - jolt[i][0] << ',' << -i - jolt[i][1] << ",0.00" << i % 3 << ','
+            << (i != 4) << ',' << (i == 3 || i == 8) << '\n';
+}
+
 void AnalyticSweep::writeRecord(const std::filesystem::path& file,
                                 const __kelOBWKDXMetaData& record) const {
     const auto bytes = recordBytes(record);

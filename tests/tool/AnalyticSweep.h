@@ -43,6 +43,10 @@ struct AnalyticSweep {
     __kelOBWKDXMetaData record() const;
     /// Writes sweep.mp4, sweep.obw and sweep.csv into a directory, which is made.
     void write(const std::filesystem::path& directory) const;
+    /// Writes a sweep.csv with the record's flags whose smoothing leaves the record's crop, which
+    /// the path of the sweep itself does not: its corrections are no smoothing's. The motions of
+    /// the frames 3 and 8 are repeated.
+    void writeJoltedPath(const std::filesystem::path& file) const;
     void writeRecord(const std::filesystem::path& file, const __kelOBWKDXMetaData& record) const;
     void writeVideo(const std::filesystem::path& file, int frameCount) const;
 };

@@ -76,7 +76,8 @@ TEST_F(CaptureCommand, TurnsAVideoIntoMp4RecordAndPath) {
     EXPECT_NEAR(summary.at("pathExtent").at("x").get<double>(), 290, 20) << "px";
     EXPECT_EQ(summary.at("cropKept").at("width"), record().cropParam[2] / 960.0);
     EXPECT_EQ(summary.at("cropKept").at("height"), record().cropParam[3] / 720.0);
-    EXPECT_TRUE(summary.at("uncorrected").is_boolean());
+    EXPECT_EQ(summary.at("smoothing"), "smoothed");
+    EXPECT_EQ(summary.at("rendered"), 30);
     EXPECT_LE(summary.at("repeatedMotions"), 3);
     EXPECT_EQ(summary.at("repeatedMotionWarning"), false);
     EXPECT_EQ(summary.at("outputs").at("record"), mOut + "/sweep.obw");
@@ -114,6 +115,21 @@ TEST_F(CaptureCommand, StopsTakingFramesAtAThousandAndWarnsOfAPictureTooSmallToM
     EXPECT_EQ(summary.at("repeatedMotionWarning"), true);
     EXPECT_EQ(record().numFrames, 1000);
     EXPECT_EQ(test_support::readVideo(mDir / "out/sweep.mp4").size(), 1000u);
+}
+
+TEST_F(CaptureCommand, SaysWhenNothingIsRenderedOrTooLittleToSmooth) {
+    const std::string video = pan({.width = 64, .height = 48, .frames = 4});
+    const auto smoothing = [&](Names options) {
+        options.insert(options.begin(), {video, "--json"});
+        const auto run = capture(options);
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_EQ(run.err.find("renders no frame") != std::string::npos,
+                  json::parse(run.out).at("rendered") == 0);
+        return json::parse(run.out).at("smoothing");
+    };
+    EXPECT_EQ(smoothing({"--skip", "0-3"}), "tooFewFrames");
+    EXPECT_EQ(smoothing({"--first", "2"}), "tooFewFrames");
+    EXPECT_EQ(smoothing({"--first", "1"}), "smoothed");
 }
 
 TEST_F(CaptureCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {

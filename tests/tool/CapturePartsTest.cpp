@@ -116,19 +116,25 @@ TEST(Summary, WarnsWhenMoreThanATenthOfTheMotionsAreRepeated) {
     EXPECT_NE(warning->find("6 of 50 frames"), std::string::npos);
 }
 
-TEST(Summary, TellsTheFallbackFromASweepThatStoodStill) {
+TEST(Smoothing, TellsTheFallbackFromASweepThatStoodStillAndFromTooFewFrames) {
     auto record = std::make_unique<__kelOBWKDXMetaData>();
     record->width = 640;
     record->height = 480;
-    record->numFrames = 2;
+    record->numFrames = record->endIndex = 4;
+    std::fill_n(record->renderFlag, 4, 1);
     for (auto& matrix : record->renderMat)
         matrix[0] = matrix[4] = matrix[8] = 1000000;
     std::ranges::copy(std::array{0, 0, 640, 480}, record->cropParam);
-    EXPECT_FALSE(isUncorrected(*record));
+    EXPECT_EQ(smoothingOf(*record), Smoothing::Smoothed);
     std::ranges::copy(std::array{0, 0, 639, 479}, record->cropParam);
-    EXPECT_TRUE(isUncorrected(*record));
+    EXPECT_EQ(smoothingOf(*record), Smoothing::FellBack);
+    record->startIndex = 1;
+    EXPECT_EQ(smoothingOf(*record), Smoothing::FellBack);
+    record->renderFlag[2] = 0;
+    EXPECT_EQ(smoothingOf(*record), Smoothing::TooFewFrames);
+    record->startIndex = 0;
     record->renderMat[1][6] = 1;
-    EXPECT_FALSE(isUncorrected(*record));
+    EXPECT_EQ(smoothingOf(*record), Smoothing::Smoothed);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cmath>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "capture/Summary.h"
@@ -72,12 +71,7 @@ class ReportInBrowser : public testing::Test {
   protected:
     ReportInBrowser() {
         sweep.write(directory / "sweep");
-        std::ofstream csv(directory / "sweep" / "sweep.csv");
-        csv << "frame,x,y,a,flag,repeated\n";
-        for (int i = 0; i < AnalyticSweep::frames; ++i)
-            csv << i << ',' << -sweep.left(i) << ',' << -sweep.top(i) << ",0.00" << i % 3 << ','
-                << (i != 4) << ',' << (i == 3 || i == 8) << '\n';
-        csv.close();
+        sweep.writeJoltedPath(directory / "sweep" / "sweep.csv");
         writeSummary();
     }
 

@@ -15,7 +15,10 @@ namespace fs = std::filesystem;
 
 class ReportCommand : public testing::Test {
   protected:
-    ReportCommand() { sweep.write(input); }
+    ReportCommand() {
+        sweep.write(input);
+        sweep.writeJoltedPath(input / "sweep.csv");
+    }
 
     ToolRun report(const std::string& output, std::optional<long> fileSizeLimit = {}) const {
         RunOptions options = usingPictureCodecs();
@@ -37,6 +40,14 @@ TEST_F(ReportCommand, NeedsNoSummary) {
     EXPECT_NE(contentOf(page).find("\"capture\":null"), std::string::npos);
 }
 
+/// A sweep.csv whose frames are all alike.
+std::string pathOf(const std::string& row) {
+    std::string text = "frame,x,y,a,flag,repeated\n";
+    for (int i = 0; i < AnalyticSweep::frames; ++i)
+        text += std::to_string(i) + ',' + row + '\n';
+    return text;
+}
+
 TEST_F(ReportCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
     struct Case {
         std::function<void()> damage;
@@ -48,6 +59,11 @@ TEST_F(ReportCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
     fs::copy(input, whole / "sweep");
     const Case cases[] = {
         {[&] { writeFile(input / "sweep.obw", "short"); }, page, "not a motion record"},
+        {[&] { writeFile(input / "sweep.csv", ""); }, page, "its first line is not frame,x"},
+        {[&] { writeFile(input / "sweep.csv", pathOf("0,0,0,1,0")); }, page,
+         "sweep.csv is of another sweep: the flag of frame 4 is 1, the record says 0"},
+        {[&] { sweep.write(input); }, page, "sweep.csv is of another sweep: its path leads to"},
+        {[&] { writeFile(input / "sweep.json", ""); }, page, "sweep.json: no summary of a capture"},
         {[&] { fs::remove(input / "sweep.csv"); }, page, "sweep.csv: No such file"},
         {[&] { writeFile(input / "sweep.json", "{\"video\": 3}\n"); }, page,
          "sweep.json: no summary of a capture"},

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "common/PathOfRecord.h"
 #include "common/RecordFile.h"
 #include "common/SmoothedPath.h"
 #include "common/SweepTable.h"
@@ -40,7 +41,8 @@ TEST(SweepTable, NamesTheLineThatIsNone) {
     for (const char* row : {"0,0,0,0,1,0\n2,0,0,0,1,0\n", "0,0,0,0,1,0\n1,nan,0,0,1,0\n",
                             "0,0,0,0,1,0\n1,0,inf,0,1,0\n", "0,0,0,0,1,0\n1,0,0,0,1\n",
                             "0,0,0,0,1,0\n1,0,0,0,1,0,0\n", "0,0,0,0,1,0\n\n",
-                            "0,0,0,0,1,0\n1, 0,0,0,1,0\n", "0,0,0,0,1,0\n1,1e99,0,0,1,0\n"})
+                            "0,0,0,0,1,0\n1, 0,0,0,1,0\n", "0,0,0,0,1,0\n1,1e99,0,0,1,0\n",
+                            "0,0,0,0,1,0\n1,0,0,0,7,0\n", "0,0,0,0,1,0\n1,0,0,0,1,3\n"})
         EXPECT_EQ(complaint(kHeader + row), "line 3 is no row of frame 1") << row;
 }
 
@@ -89,6 +91,7 @@ TEST(SmoothedPath, IsWhereTheEnginesCorrectionsPutTheFrames) {
     const auto path = smoothedPath(rows, record.raw().startIndex, record.raw().endIndex,
                                    record.width(), record.height());
     ASSERT_TRUE(path.feedbackStep);
+    EXPECT_NO_THROW(requirePathOfRecord(rows, record));
     EXPECT_EQ(path.reference, 1);
     EXPECT_EQ(record.crop().x, path.minX);
     EXPECT_EQ(record.crop().width, path.maxX - path.minX);

@@ -68,7 +68,8 @@ void fillFromRecord(Summary& summary, const __kelOBWKDXMetaData& record) {
     summary.height = record.height;
     summary.cropWidthShare = static_cast<double>(record.cropParam[2]) / record.width;
     summary.cropHeightShare = static_cast<double>(record.cropParam[3]) / record.height;
-    summary.uncorrected = isUncorrected(record);
+    summary.rendered = renderedFrames(record);
+    summary.smoothing = smoothingOf(record);
 }
 
 Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& session,

@@ -1,9 +1,7 @@
 #include "capture/Summary.h"
 
-#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <iterator>
 #include <nlohmann/json.hpp>
 
 namespace orbitwalk::tool {
@@ -24,15 +22,6 @@ const char* directionName(OBWDirection direction) {
 
 }  // namespace
 
-bool isUncorrected(const __kelOBWKDXMetaData& record) {
-    constexpr std::int32_t identity[9] = {1000000, 0, 0, 0, 1000000, 0, 0, 0, 1000000};
-    const auto& crop = record.cropParam;
-    return crop[0] == 0 && crop[1] == 0 && crop[2] == record.width - 1 &&
-           crop[3] == record.height - 1 &&
-           std::all_of(record.renderMat, record.renderMat + record.numFrames,
-                       [&](const auto& matrix) { return std::ranges::equal(matrix, identity); });
-}
-
 std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames) {
     if (repeatedMotions * 10 <= frames)
         return std::nullopt;
@@ -50,6 +39,12 @@ std::optional<std::string> truncationNote(const Summary& summary) {
                 summary.frames);
 }
 
+std::optional<std::string> nothingRenderedWarning(const Summary& summary) {
+    if (summary.rendered > 0)
+        return std::nullopt;
+    return "every frame of the range is skipped: the record renders no frame";
+}
+
 std::string toText(const Summary& summary) {
     const StageSeconds& s = summary.seconds;
     return line("frames            %d of %dx%d, %d to %d rendered, %d skipped%s\n", summary.frames,
@@ -59,9 +54,7 @@ std::string toText(const Summary& summary) {
            line("path extent       %.1f x %.1f px\n", summary.extent.x, summary.extent.y) +
            line("crop kept         %.1f %% of the width, %.1f %% of the height\n",
                 100 * summary.cropWidthShare, 100 * summary.cropHeightShare) +
-           line("correction        %s\n", summary.uncorrected
-                                              ? "none: no smoothing kept enough of the picture"
-                                              : "smoothed") +
+           line("correction        %s\n", wordsOf(summary.smoothing)) +
            line("repeated motions  %d\n", summary.repeatedMotions) +
            line(
                "seconds           decode %.2f, measure %.2f, feed %.2f, wait for encoder %.2f,\n"
@@ -86,10 +79,11 @@ nlohmann::ordered_json toJson(const Summary& summary) {
             {"first", summary.first},
             {"last", summary.last},
             {"skipped", summary.skipped},
+            {"rendered", summary.rendered},
             {"direction", directionName(summary.direction)},
             {"pathExtent", {{"x", summary.extent.x}, {"y", summary.extent.y}}},
             {"cropKept", {{"width", summary.cropWidthShare}, {"height", summary.cropHeightShare}}},
-            {"uncorrected", summary.uncorrected},
+            {"smoothing", keyOf(summary.smoothing)},
             {"repeatedMotions", summary.repeatedMotions},
             {"repeatedMotionWarning",
              repeatedMotionWarning(summary.repeatedMotions, summary.frames).has_value()},

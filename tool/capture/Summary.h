@@ -6,6 +6,7 @@
 #include <string>
 
 #include "capture/SweepPath.h"
+#include "common/Smoothing.h"
 
 namespace orbitwalk::tool {
 
@@ -49,11 +50,12 @@ struct Summary {
     int first = 0;
     int last = 0;
     int skipped = 0;
+    int rendered = 0;  ///< Frames of the range that are not skipped.
     OBWDirection direction = OBW_DIRECTION_LEFT2RIGHT;
     PathExtent extent;
     double cropWidthShare = 0;  ///< Of the frame's width, what every rendered frame shows.
     double cropHeightShare = 0;
-    bool uncorrected = false;  ///< The engine fell back to no correction.
+    Smoothing smoothing = Smoothing::Smoothed;
     int repeatedMotions = 0;
     StageSeconds seconds;
     std::filesystem::path sweepVideo;
@@ -62,16 +64,14 @@ struct Summary {
     std::filesystem::path sweepSummary;
 };
 
-/// Whether the record is that of the engine's fallback: no smoothing kept enough of the picture, so
-/// nothing is corrected. It shows as a crop of one pixel less than the frame with identity
-/// matrices.
-bool isUncorrected(const __kelOBWKDXMetaData& record);
-
 /// A line that warns of too many repeated motions, more than a tenth of the frames.
 std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames);
 
 /// A line that says that frames were left out, when some were.
 std::optional<std::string> truncationNote(const Summary& summary);
+
+/// A line that warns that every frame of the range is skipped, when it is so.
+std::optional<std::string> nothingRenderedWarning(const Summary& summary);
 
 std::string toText(const Summary& summary);
 nlohmann::ordered_json toJson(const Summary& summary);

@@ -42,6 +42,8 @@ void run(Arguments arguments) {
         std::fprintf(stderr, "orbitwalk: note: %s\n", note->c_str());
     if (const auto warning = repeatedMotionWarning(summary.repeatedMotions, summary.frames))
         std::fprintf(stderr, "orbitwalk: warning: %s\n", warning->c_str());
+    if (const auto warning = nothingRenderedWarning(summary))
+        std::fprintf(stderr, "orbitwalk: warning: %s\n", warning->c_str());
     const std::string text = arguments.json ? toJsonText(summary) : toText(summary);
     if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
         throw ToolError(std::string("cannot print the summary: ") + std::strerror(errno));

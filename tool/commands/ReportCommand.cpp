@@ -4,9 +4,11 @@
 
 #include "commands/Commands.h"
 #include "common/OutputFiles.h"
+#include "common/PathOfRecord.h"
 #include "common/ProgressBar.h"
 #include "common/SignalGuard.h"
 #include "common/SweepFiles.h"
+#include "common/ToolError.h"
 #include "report/Pictures.h"
 #include "report/ReportData.h"
 #include "report/ReportJson.h"
@@ -32,11 +34,21 @@ ReportPictures readPictures(const Sweep& sweep, const ReportData& data,
     });
 }
 
+std::vector<SweepRow> readPath(const Sweep& sweep) {
+    std::vector<SweepRow> path = readSweepTable(sweep.path, sweep.record.frameCount());
+    try {
+        requirePathOfRecord(path, sweep.record);
+    } catch (const ToolError& difference) {
+        throw ToolError(sweep.path.string() + " is of another sweep: " + difference.what());
+    }
+    return path;
+}
+
 void writeReport(const ReportOptions& options) {
     refuseTakenNames(options.directory, {options.page});
     const SignalGuard signals;
     const Sweep sweep = openSweep(options.directory);
-    const auto path = readSweepTable(sweep.path, sweep.record.frameCount());
+    const auto path = readPath(sweep);
     const ReportData data =
         reportData(sweep.record, path, readSavedSummary(options.directory / kSweepSummaryName));
     OutputFiles files(options.page.parent_path());

@@ -1,13 +1,10 @@
 #include "common/SweepTable.h"
 
-#include <cerrno>
 #include <cmath>
-#include <cstring>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "common/CsvFields.h"
+#include "common/TextFile.h"
 #include "common/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -23,8 +20,9 @@ bool parseRow(std::string_view line, int frame, SweepRow& row) {
                           takeField(line, row.y) && takeField(line, row.a) &&
                           takeField(line, row.flag) && takeField(line, repeated) && line.empty();
     row.repeated = repeated == 1;
-    return complete && number == frame && std::isfinite(row.x) && std::isfinite(row.y) &&
-           std::isfinite(row.a);
+    const auto isBit = [](int value) { return value == 0 || value == 1; };
+    return complete && isBit(row.flag) && isBit(repeated) && number == frame &&
+           std::isfinite(row.x) && std::isfinite(row.y) && std::isfinite(row.a);
 }
 
 }  // namespace
@@ -44,12 +42,9 @@ std::vector<SweepRow> parseSweepTable(std::string_view text) {
 }
 
 std::vector<SweepRow> readSweepTable(const std::filesystem::path& file, int frames) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream text;
-    if (!stream || !(text << stream.rdbuf()))
-        throw ToolError(file.string() + ": " + std::strerror(errno));
+    const std::string text = readTextFile(file);
     try {
-        std::vector<SweepRow> rows = parseSweepTable(text.str());
+        std::vector<SweepRow> rows = parseSweepTable(text);
         if (static_cast<int>(rows.size()) != frames)
             throw ToolError("it has " + std::to_string(rows.size()) + " frames, the record says " +
                             std::to_string(frames));

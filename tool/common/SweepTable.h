@@ -17,7 +17,8 @@ struct SweepRow {
 };
 
 /// Reads the text of a sweep.csv, `frame,x,y,a,flag,repeated` with the frames counted from 0.
-/// @throws ToolError that names the first line that is none; values must be finite.
+/// @throws ToolError that names the first line that is none; values must be finite, flag and
+/// repeated 0 or 1.
 std::vector<SweepRow> parseSweepTable(std::string_view text);
 
 /// @param frames  number of rows to expect.

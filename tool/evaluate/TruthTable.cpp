@@ -1,14 +1,11 @@
 #include "evaluate/TruthTable.h"
 
 #include <array>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "common/CsvFields.h"
+#include "common/TextFile.h"
 #include "common/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -46,12 +43,9 @@ std::vector<TruthRow> parseTruthTable(std::string_view text) {
 }
 
 std::vector<TruthRow> readTruthTable(const std::filesystem::path& file, int frames) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream text;
-    if (!stream || !(text << stream.rdbuf()))
-        throw ToolError(file.string() + ": " + std::strerror(errno));
+    const std::string text = readTextFile(file);
     try {
-        std::vector<TruthRow> rows = parseTruthTable(text.str());
+        std::vector<TruthRow> rows = parseTruthTable(text);
         if (static_cast<int>(rows.size()) != frames)
             throw ToolError("it has " + std::to_string(rows.size()) + " frames, the sweep has " +
                             std::to_string(frames));

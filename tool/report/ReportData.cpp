@@ -47,6 +47,7 @@ void addMotion(ReportData& data, std::span<const SweepRow> path) {
 void addPaths(ReportData& data, const RecordReader& record, std::span<const SweepRow> path) {
     const SmoothedPath paths = smoothedPath(path, record.raw().startIndex, record.raw().endIndex,
                                             record.width(), record.height());
+    data.smoothing = smoothingOf(record.raw());
     data.feedbackStep = paths.feedbackStep;
     data.measured = data.gaussian = data.smoothed = Track(data.frames);
     if (paths.reference >= 0)

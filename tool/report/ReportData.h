@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "common/Smoothing.h"
 #include "common/SweepTable.h"
 #include "orbitwalk/RecordReader.h"
 #include "report/SavedSummary.h"
@@ -53,6 +54,7 @@ struct ReportData {
     int rendered = 0;
     std::string direction;
     CropRectangle crop;
+    Smoothing smoothing = Smoothing::Smoothed;
     std::optional<int> feedbackStep;  ///< See SmoothedPath.
     int repeatedMotions = 0;
     std::optional<std::string> repeatedWarning;

@@ -93,6 +93,7 @@ std::string reportJson(const ReportData& data, const ReportPictures& pictures) {
                     {"rendered", data.rendered},
                     {"direction", data.direction},
                     {"crop", cropJson(data)},
+                    {"smoothing", wordsOf(data.smoothing)},
                     {"feedbackStep", orNull(data.feedbackStep)},
                     {"feedbackSteps", kLastFeedbackStep},
                     {"repeatedMotions", data.repeatedMotions},

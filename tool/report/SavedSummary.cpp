@@ -1,12 +1,9 @@
 #include "report/SavedSummary.h"
 
-#include <cerrno>
 #include <cmath>
-#include <cstring>
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
+#include "common/TextFile.h"
 #include "common/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -43,15 +40,12 @@ SavedSummary parseSavedSummary(std::string_view text) {
 }
 
 std::optional<SavedSummary> readSavedSummary(const std::filesystem::path& file) {
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream && errno == ENOENT)
+    std::error_code cannotTell;
+    if (!std::filesystem::exists(file, cannotTell) && !cannotTell)
         return std::nullopt;
-    std::ostringstream text;
-    if (!stream || !(text << stream.rdbuf()))
-        throw ToolError(file.string() + ": " + std::strerror(errno));
+    const std::string text = readTextFile(file);
     try {
-        return parseSavedSummary(text.str());
+        return parseSavedSummary(text);
     } catch (const ToolError& error) {
         throw ToolError(file.string() + ": no summary of a capture: " + error.what());
     }

@@ -19,7 +19,7 @@ const percent = (part, whole) => (100 * part / whole).toFixed(1) + " %";
 
 function smoothingText() {
     if (data.feedbackStep === null)
-        return "none: no smoothing kept enough of the picture, frames are not corrected";
+        return data.smoothing;
     return `step ${data.feedbackStep} of 0 to ${data.feedbackSteps} passed` +
         (data.feedbackStep === 0 ? ", the smoothest" : "");
 }
@@ -53,7 +53,7 @@ function fillWords() {
         byId("summary").append(row);
     }
     if (data.feedbackStep === null)
-        warn("No smoothing kept enough of the picture: the engine fell back to no correction.");
+        warn(`the frames are not corrected, smoothing is ${data.smoothing}.`);
     if (data.repeatedWarning !== null)
         warn(data.repeatedWarning + ".");
 }

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "orbitwalk/MetaData.h"
+
+namespace orbitwalk::tool {
+
+/// What became of a sweep's smoothing.
+enum class Smoothing {
+    Smoothed,
+    FellBack,     ///< No smoothing kept enough of the picture: nothing is corrected.
+    TooFewFrames  ///< Fewer than three frames are rendered: nothing is corrected.
+};
+
+/// The record shows it: the engine does not correct where two frames or less are selected, and
+/// what it falls back to is a crop of one pixel less than the frame with identity matrices.
+Smoothing smoothingOf(const __kelOBWKDXMetaData& record);
+
+/// Frames in the range whose flag is 1.
+int renderedFrames(const __kelOBWKDXMetaData& record);
+
+/// In words, and as a word of JSON.
+const char* wordsOf(Smoothing smoothing);
+const char* keyOf(Smoothing smoothing);
+
+}  // namespace orbitwalk::tool

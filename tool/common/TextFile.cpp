@@ -1,0 +1,28 @@
+#include "common/TextFile.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "common/ToolError.h"
+
+namespace orbitwalk::tool {
+
+std::string readTextFile(const std::filesystem::path& file) {
+    const auto fail = [&] { throw ToolError(file.string() + ": " + std::strerror(errno)); };
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.c_str(), "rb"),
+                                                                 std::fclose);
+    if (!stream)
+        fail();
+    std::string text;
+    std::array<char, 65536> bytes;
+    while (const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), stream.get()))
+        text.append(bytes.data(), count);
+    if (std::ferror(stream.get()))
+        fail();
+    return text;
+}
+
+}  // namespace orbitwalk::tool

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <opencv2/core.hpp>
 
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
@@ -113,6 +114,23 @@ TEST(EvaluateCommand, JudgesARenderingMirroredAsThePreviewWas) {
     const auto source = nlohmann::json::parse(run.out).at("video").at("source");
     EXPECT_EQ(source.at("unregistered"), 0);
     EXPECT_NEAR(source.at("keptView"), 256 * 192 / (320 * 240.0), 0.01);
+}
+
+TEST(EvaluateCommand, CountsNoBlackBorderAsViewOrSharpness) {
+    const TestDirectory directory;
+    cv::Mat1b picture = takePicture({});
+    cv::max(picture, 60, picture);  // Dark places would explain black.
+    cv::Mat1b moved(picture.size(), 16);
+    const cv::Rect shown(64, 48, 480, 400);  // Shown 24 pixels further to the right.
+    picture(shown).copyTo(moved(shown + cv::Point(24, 0)));
+    writePictures(directory / "clip.mp4", {picture});
+    writePictures(directory / "framed.mp4", {moved});
+    const ToolRun run = runTool({"evaluate", "--video", directory / "framed.mp4", "--against",
+                                 directory / "clip.mp4", "--json"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto source = nlohmann::json::parse(run.out).at("video").at("source");
+    EXPECT_NEAR(source.at("keptView"), 480 * 400 / (640 * 480.0), 0.005);
+    EXPECT_NEAR(source.at("sharpness"), 1, 0.03);
 }
 
 TEST(EvaluateCommand, SaysWhatItCouldNotMeasure) {

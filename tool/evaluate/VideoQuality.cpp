@@ -1,6 +1,7 @@
 #include "evaluate/VideoQuality.h"
 
 #include <algorithm>
+#include <opencv2/core.hpp>
 #include <string>
 
 #include "common/ToolError.h"
@@ -41,10 +42,13 @@ class Comparison {
             ++mResult.unregistered;
             return;
         }
-        takeView(viewOf(*map, picture.size(), mVideo.size()));
-        mResult.missingPixels += missingBorderPixels(picture, mVideo.frame(), *map);
+        const cv::Mat1b missing = missingBorder(picture, mVideo.frame(), *map);
+        mResult.missingPixels += cv::countNonZero(missing);
+        View view = viewOf(*map, picture.size(), mVideo.size());
+        view.kept -= hiddenShare(missing, mVideo.size(), *map);
+        takeView(view);
         if (index % kSharpnessStride == 0)
-            if (const auto sharpness = relativeSharpness(picture, mVideo.frame(), *map))
+            if (const auto sharpness = relativeSharpness(picture, mVideo.frame(), *map, missing))
                 mSharpness.take(*sharpness);
     }
 
@@ -110,7 +114,7 @@ VideoQuality judgeVideo(const std::filesystem::path& video, const std::optional<
     quality.size = frames.size();
     while (frames.next()) {
         meter.take(frames.frame());
-        const std::int64_t black = blackBorderPixels(frames.frame());
+        const int black = cv::countNonZero(blackBorder(frames.frame()));
         quality.blackPixels += black;
         quality.framesWithBlack += black > 0;
         if (comparison)

@@ -14,11 +14,11 @@ namespace orbitwalk::tool {
 /// What a stabilised video made of the frames that it shows.
 struct SourceComparison {
     std::optional<ResidualMotion> residual;  ///< Of the source.
-    double kept = 0;                         ///< Mean of View::kept.
+    double kept = 0;                         ///< Mean of View::kept without the missing border.
     double leastKept = 0;
     double beyond = 0;  ///< Mean of View::beyond.
     double mostBeyond = 0;
-    std::int64_t missingPixels = 0;  ///< Of all frames, see missingBorderPixels.
+    std::int64_t missingPixels = 0;  ///< Of all frames, see missingBorder.
     /// Mean of relativeSharpness, over every fifth frame; nothing when none of them has one.
     std::optional<double> sharpness;
     int unregistered = 0;  ///< Frames that could not be found in the source; left out.
@@ -28,7 +28,7 @@ struct VideoQuality {
     int frames = 0;
     cv::Size size;
     std::optional<ResidualMotion> residual;
-    std::int64_t blackPixels = 0;  ///< Of all frames, see blackBorderPixels.
+    std::int64_t blackPixels = 0;  ///< Of all frames, see blackBorder.
     int framesWithBlack = 0;
     std::optional<SourceComparison> source;
 };

@@ -137,24 +137,17 @@ TEST(Finder, KeepsItsPictureWhenASecondSizeIsRefused) {
 
 TEST(Finder, TakesAnySizeThatLeavesAReducedPixel) {
     std::mt19937 random(1);
-    for (const auto& [width, height] : {std::pair{4, 4},
-                                        {8, 8},
-                                        {16, 16},
-                                        {32, 32},
-                                        {36, 180},
-                                        {4, 4000},
-                                        {4000, 4},
-                                        {32767, 4},
-                                        {4000, 32},
-                                        {32, 4000},
-                                        {260, 260}}) {
+    constexpr int sizes[][2] = {{4, 4},    {8, 8},     {16, 16},   {32, 32},   {36, 180}, {4, 4000},
+                                {4000, 4}, {32767, 4}, {4000, 32}, {32, 4000}, {260, 260}};
+    for (const auto& [width, height] : sizes) {
         const Finder finder = started(width, height);
         for (int i = 0; i < 3; ++i) {
             std::vector<unsigned char> noise(static_cast<std::size_t>(width) * height);
             std::generate(noise.begin(), noise.end(),
                           [&] { return static_cast<unsigned char>(random()); });
             const Trajectory t = feed(finder, noise.data());
-            EXPECT_TRUE(std::isfinite(t.x) && std::isfinite(t.y) && std::isfinite(t.a));
+            EXPECT_TRUE(std::isfinite(t.x) && std::isfinite(t.y) && std::isfinite(t.a))
+                << width << 'x' << height;
         }
     }
 }

@@ -77,6 +77,9 @@ TEST_F(EncoderProcess, DrainsTheQueueAfterItsLoopWasStopped) {
 TEST_F(EncoderProcess, ReportsHowTheWriterOpenedAndTheLastEncodeAlone) {
     const std::string failedEncode =
         "mp4EncoderProcess::stop -- mp4 Encode has failed, mp4InitState = 1, mMp4RetStatus=0";
+    const std::string failedInit =
+        "mp4EncoderProcess::stop -- mp4 init has failed, do not do "
+        "deinit, mp4InitState = 0, mp4EncodeState=1";
     const struct {
         int initResult, frames, failingFrame, result;
         std::vector<int> encoded;
@@ -87,14 +90,7 @@ TEST_F(EncoderProcess, ReportsHowTheWriterOpenedAndTheLastEncodeAlone) {
         {1, 3, 1, 0, {1, 2, 3}, 1, ""},
         {1, 3, 2, -1, {1, 2, 3}, 1, failedEncode},
         {1, 0, -1, -1, {0}, 1, failedEncode},  // one black frame
-        {0,
-         2,
-         -1,
-         -1,
-         {1, 2},
-         0,
-         "mp4EncoderProcess::stop -- mp4 init has failed, do not do deinit, "
-         "mp4InitState = 0, mp4EncodeState=1"},
+        {0, 2, -1, -1, {1, 2}, 0, failedInit},
     };
     const fake_platform::LogLine initFailed{
         6, kWorkerTag, "OBW_MP4EncoderProcess::onStart --: InitMP4Engine FAILED : retVal=0"};

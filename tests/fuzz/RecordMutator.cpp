@@ -31,26 +31,11 @@ std::size_t someWord(Generator& random) {
 }
 
 std::int32_t someValue(Generator& random, std::int32_t old) {
-    constexpr std::int32_t limits[] = {std::numeric_limits<std::int32_t>::min(),
-                                       std::numeric_limits<std::int32_t>::max(),
-                                       -1'000'000,
-                                       -1,
-                                       0,
-                                       1,
-                                       2,
-                                       3,
-                                       4,
-                                       6,
-                                       9,
-                                       10,
-                                       11,
-                                       12,
-                                       100,
-                                       1000,
-                                       1001,
-                                       32767,
-                                       999'999,
-                                       1'000'000};
+    constexpr auto least = std::numeric_limits<std::int32_t>::min();
+    constexpr auto most = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t limits[] = {least, most, -1'000'000, -1,    0,       1,        2,
+                                       3,     4,    6,          9,     10,      11,       12,
+                                       100,   1000, 1001,       32767, 999'999, 1'000'000};
     switch (below(random, 4)) {
         case 0:
             return static_cast<std::int32_t>(random());

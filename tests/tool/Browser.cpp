@@ -30,32 +30,19 @@ std::vector<std::string> pageRequests(const std::string& networkLog) {
 BrowserRun openInBrowser(const std::filesystem::path& page) {
     const TestDirectory scratch;
     const std::string log = scratch / "net.json";
-    const ToolRun run =
-        runProgram("/usr/bin/env", {"-u",
-                                    "ASAN_OPTIONS",
-                                    "-u",
-                                    "UBSAN_OPTIONS",
-                                    "-u",
-                                    "TSAN_OPTIONS",
-                                    "timeout",
-                                    "-k",
-                                    "5",
-                                    "60",
-                                    ORBITWALK_CHROMIUM,
-                                    "--headless",
-                                    "--no-sandbox",
-                                    "--disable-gpu",
-                                    "--disable-quic",
-                                    "--no-first-run",
-                                    "--disable-background-networking",
-                                    "--disable-component-update",
-                                    "--disable-sync",
-                                    "--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.0.0.1",
-                                    "--user-data-dir=" + (scratch / "profile").string(),
-                                    "--log-net-log=" + log,
-                                    "--virtual-time-budget=5000",
-                                    "--dump-dom",
-                                    "file://" + page.string()});
+    std::vector<std::string> arguments{
+        "-u", "ASAN_OPTIONS",    "-u", "UBSAN_OPTIONS", "-u", "TSAN_OPTIONS", "timeout", "-k", "5",
+        "60", ORBITWALK_CHROMIUM};
+    for (const char* option :
+         {"--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+          "--disable-background-networking", "--disable-component-update", "--disable-sync",
+          "--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.0.0.1", "--virtual-time-budget=5000",
+          "--dump-dom"})
+        arguments.push_back(option);
+    arguments.push_back("--user-data-dir=" + (scratch / "profile").string());
+    arguments.push_back("--log-net-log=" + log);
+    arguments.push_back("file://" + page.string());
+    const ToolRun run = runProgram("/usr/bin/env", arguments);
     EXPECT_EQ(run.exitCode, 0) << run.err;
     return {run.out, pageRequests(contentOf(log))};
 }

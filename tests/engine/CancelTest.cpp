@@ -72,6 +72,21 @@ TEST_F(EngineTest, DeinitFreesWhatAFailedPostProcessingLeft) {
     EXPECT_EQ(fake_platform::countLog("kelOBWEngine::ResetInstance -- done"), 1);
 }
 
+TEST_F(EngineTest, DeinitDuringPostProcessingLetsItFinish) {
+    fake_writer::closeGate();
+    beginCapture(3);
+    std::thread opener([] {
+        while (fake_platform::countLogPrefix("kelOBWEngine::deinit lock engineState=5") == 0)
+            std::this_thread::yield();
+        fake_writer::openGate();
+    });
+    EXPECT_EQ(deinitOrbitwalkEngine(), 1);
+    opener.join();
+    EXPECT_EQ(listener.percents(), kAllProgress) << "its last call is over, too";
+    EXPECT_EQ(initOrbitwalkEngine(&listener), 1) << "a fresh instance";
+    EXPECT_EQ(state(), 9);
+}
+
 TEST_F(EngineTest, CleanupReturnsToTheFixedDirectoryWhenTheHostHasMovedIt) {
     initAndStart();
     const std::string old(localTmpDir);

@@ -95,6 +95,7 @@ TEST(VideoWriter, AFailureIsSaidAgainByEveryLaterCall) {
     settings.fragmented = true;
     VideoWriter fragments(memory.file(), settings);
     for (const auto& call : {std::function([&] { writeNoise(fragments); }),
+                             std::function([&] { fragments.write(clips::noise(96, 64, 0)); }),
                              std::function([&] { fragments.finish(); })})
         EXPECT_EQ(complaintOf(call), "cannot write the video: No space left on device");
 }

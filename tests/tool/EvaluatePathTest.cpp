@@ -10,6 +10,7 @@
 #include "evaluate/SweepFacts.h"
 #include "evaluate/TruthTable.h"
 #include "support/SampleRecord.h"
+#include "support/TestDirectory.h"
 
 using namespace orbitwalk;
 using namespace orbitwalk::tool;
@@ -100,6 +101,19 @@ TEST(TruthTable, ReadsThePathAndRefusesWhatIsNone) {
         const bool headless = std::string(bad).empty() || bad[0] == 'f';
         EXPECT_THROW(parseTruthTable(headless ? bad : header + bad), ToolError) << bad;
     }
+}
+
+TEST(TruthTable, MayGoOnWhereTheSweepIsFull) {
+    const test_support::TestDirectory directory;
+    const auto file = directory / "truth.csv";
+    std::string text = "frame,dx,dy,da,x,y,a\n";
+    for (int i = 0; i < OBW_MAX_FRAMES + 3; ++i)
+        text += std::to_string(i) + ",0,0,0," + std::to_string(i) + ",0,0\n";
+    test_support::writeFile(file, text);
+    const auto rows = readTruthTable(file, OBW_MAX_FRAMES);
+    ASSERT_EQ(rows.size(), 1000u);
+    EXPECT_EQ(rows.back().x, 999);
+    EXPECT_THROW(readTruthTable(file, OBW_MAX_FRAMES - 1), ToolError);
 }
 
 TEST(SweepFacts, CountsWhatTheCropShowsOutsideTheFrame) {

@@ -134,6 +134,14 @@ TEST(RelativeSharpness, FallsAsAGratingBlurs) {
         << "nothing to blur";
 }
 
+TEST(RelativeSharpness, LooksAwayFromTheMissingBorder) {
+    const cv::Mat1b source = grating(16);
+    cv::Mat1b picture = source.clone();
+    picture.colRange(0, 100) = 16;
+    const cv::Mat1b border = blackBorder(picture);
+    EXPECT_NEAR(relativeSharpness(picture, source, {}, border).value(), 1, 1e-6);
+}
+
 TEST(BlackBorder, CountsAWedgeAtTheEdgeAndNoDarkThingInside) {
     cv::Mat1b picture = takePicture({});
     EXPECT_EQ(blackPixels(picture), 0);

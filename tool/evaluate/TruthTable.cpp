@@ -7,6 +7,7 @@
 #include "common/CsvFields.h"
 #include "common/TextFile.h"
 #include "common/ToolError.h"
+#include "orbitwalk/MetaData.h"
 
 namespace orbitwalk::tool {
 
@@ -46,7 +47,9 @@ std::vector<TruthRow> readTruthTable(const std::filesystem::path& file, int fram
     const std::string text = readTextFile(file);
     try {
         std::vector<TruthRow> rows = parseTruthTable(text);
-        if (static_cast<int>(rows.size()) != frames)
+        if (frames == OBW_MAX_FRAMES && std::ssize(rows) > frames)
+            rows.resize(frames);
+        if (std::ssize(rows) != frames)
             throw ToolError("it has " + std::to_string(rows.size()) + " frames, the sweep has " +
                             std::to_string(frames));
         return rows;

@@ -18,7 +18,8 @@ struct TruthRow {
 /// @throws ToolError that names the first line that is none; values must be finite.
 std::vector<TruthRow> parseTruthTable(std::string_view text);
 
-/// @param frames  number of rows to expect.
+/// @param frames  number of rows to expect; of a clip that went on when the sweep was full, the
+/// first ones.
 /// @throws ToolError that names the file when it cannot be read or is no such table.
 std::vector<TruthRow> readTruthTable(const std::filesystem::path& file, int frames);
 

@@ -145,6 +145,8 @@ TEST_F(CaptureCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
         {{mDir / "empty.mp4"}, "empty.mp4"},
         {{mDir / ""}, ""},
         {{video, "-o", mDir / "text.mp4/out"}, "text.mp4"},
+        {{video, "-o", mDir / "text.mp4"}, "text.mp4 is not a directory"},
+        {{video, "-o", ""}, "an empty name is no directory"},
         {{video, "--first", "3"}, "--first 3: the sweep has the frames 0 to 2"},
         {{video, "--last", "-1"}, "--last -1"},
         {{video, "--first", "2", "--last", "1"}, "--first 2 is after"},
@@ -179,7 +181,8 @@ TEST_F(CaptureCommand, AFullDiskLeavesTheFormerCaptureAndNothingElse) {
         const std::string video = pan({.width = 320, .height = 240, .frames = frames});
         const auto run = capture({video}, full);
         EXPECT_EQ(run.exitCode, 1);
-        EXPECT_THAT(run.err, IsOneLineWith("File too large"));
+        EXPECT_THAT(run.err,
+                    IsOneLineWith("out/sweep.mp4: cannot write the video: File too large"));
         EXPECT_EQ(namesIn(mDir / ""), (Names{"pan.mp4", "tmp"}));
 
         ASSERT_EQ(capture({video}).exitCode, 0);

@@ -132,6 +132,7 @@ TEST_F(RenderCommand, RefusesWhatDoesNotBelongTogetherInOneLineAndLeavesNothing)
         {{"-o", mp4}, "that name is taken"},
         {{"-o", video, "--strip", video}, "that name is taken"},
         {{"--strip", input}, "cannot write"},
+        {{"-o", "/dev/stdout"}, "cannot write /dev/stdout: it is no regular file"},
         {{}, "nothing to render"},
         {{"-o", csv / "out.mp4"}, "cannot write"},
     };
@@ -145,6 +146,18 @@ TEST_F(RenderCommand, RefusesWhatDoesNotBelongTogetherInOneLineAndLeavesNothing)
         EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
         EXPECT_EQ(namesIn(directory / ""), std::vector<std::string>{"sweep"});
     }
+}
+
+TEST_F(RenderCommand, SaysWhichOutputIsFull) {
+    RunOptions options;
+    options.fileSizeLimit = 4096;
+    EXPECT_EQ(runTool({"render", input, "-o", video}, options).err,
+              "orbitwalk: " + video + ": cannot write the video: File too large\n");
+    options.fileSizeLimit.reset();
+    options.fullOutput = true;
+    const ToolRun run = runTool({"render", input, "-o", video}, options);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err, "orbitwalk: cannot print the output: No space left on device\n");
 }
 
 TEST_F(RenderCommand, WarnsOfPixelsThatWereNeverRecorded) {

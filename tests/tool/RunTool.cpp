@@ -1,5 +1,6 @@
 #include "tool/RunTool.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -25,6 +26,8 @@ struct Pipe {
                          const RunOptions& options, const Pipe& out, const Pipe& err) {
     dup2(out.ends[1], STDOUT_FILENO);
     dup2(err.ends[1], STDERR_FILENO);
+    if (options.fullOutput)
+        dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
     for (const int end : {out.ends[0], out.ends[1], err.ends[0], err.ends[1]})
         close(end);
     for (const auto& [name, value] : options.environment)

@@ -10,6 +10,7 @@ namespace test_support {
 struct RunOptions {
     std::map<std::string, std::string> environment;  ///< Added to the test's own.
     std::optional<long> fileSizeLimit;               ///< Bytes that the tool may write to a file.
+    bool fullOutput = false;  ///< stdout is a device without room, and the run's out is empty.
     std::string signalAfter;  ///< Text on stderr upon which a signal is sent.
     int signal = 0;           ///< SIGPIPE comes of closing stderr.
 };

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
@@ -71,20 +72,29 @@ TEST(SimulateCommand, RefusesBadOptions) {
     } cases[] = {
         {{"--size", "161x120"}, "even numbers"},
         {{"--size", "big"}, "even numbers"},
+        {{"--size", "640x 480"}, "even numbers"},
+        {{"--size", "640x+480"}, "even numbers"},
+        {{"--seed", "-1"}, "--seed: -1 is not a whole number"},
         {{"--rate", "0"}, "frames a second"},
         {{"--rate", "30/"}, "frames a second"},
         {{"--speed", "nan"}, "--speed"},
         {{"--frames", "0"}, "--frames"},
         {{"--frames", "2.5"}, "--frames"},
-        {{"--direction", "up"}, "--direction"},
+        {{"--direction", "up"}, "{bottom2top,left2right,right2left,top2bottom}"},
         {{"--quality", "20", "--bit-rate", "1000000"}, "--bit-rate"},
         {{"--frames", "100000"}, "too long"},
     };
     const test_support::TestDirectory dir;
+    expectRefusal(runTool({"simulat"}),
+                  "orbitwalk: there is no command simulat (see orbitwalk --help)\n");
     for (const auto& [more, reason] : cases) {
         Arguments arguments{"simulate", "-o", dir / "clip.mp4"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        expectRefusal(runTool(arguments), reason);
+        const ToolRun run = runTool(arguments);
+        expectRefusal(run, reason);
+        EXPECT_THAT(run.err, testing::StartsWith("orbitwalk: "));
+        EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
+        EXPECT_LE(run.exitCode, 2);
         EXPECT_EQ(test_support::namesIn(dir / ""), Arguments{}) << reason;
     }
 }

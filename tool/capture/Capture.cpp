@@ -87,7 +87,8 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
     Session session({.width = video.width(),
                      .height = video.height(),
                      .orientation = options.orientation,
-                     .frontCameraFlipped = options.frontCameraFlipped},
+                     .frontCameraFlipped = options.frontCameraFlipped,
+                     .mp4Name = options.directory / kSweepVideoName},
                     outputs.create(kSweepVideoName));
     const Feed feed = feedAll(options, video, session, signals, summary.seconds);
     const SweepSelection selection = select(options, feed.path);

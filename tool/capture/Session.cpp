@@ -22,6 +22,7 @@ Session::Engine::~Engine() {
 
 Session::Session(const SessionSettings& settings, std::FILE* mp4)
     : mRecord(std::make_unique<__kelOBWKDXMetaData>()),
+      mMp4Name(settings.mp4Name),
       mEncoderPatience(settings.encoderPatience),
       mEngine(std::make_unique<Engine>(static_cast<OBWEngineListener*>(this))) {
     if (getSizeOrbitwalkInformation() != sizeof *mRecord)
@@ -116,7 +117,9 @@ void Session::onProgress(int, int percent) {
 
 ToolError Session::failure(const std::string& what) const {
     const std::string cause = mLog.failure();
-    return ToolError(cause.empty() ? what : what + ": " + cause);
+    const std::string where =
+        mLog.writerFailure().empty() || mMp4Name.empty() ? "" : mMp4Name + ": ";
+    return ToolError(cause.empty() ? what : what + ": " + where + cause);
 }
 
 }  // namespace orbitwalk::tool

@@ -24,6 +24,7 @@ struct SessionSettings {
     int height = 0;  ///< Even, pixels.
     int orientation = 0;
     bool frontCameraFlipped = false;
+    std::string mp4Name{};  ///< For complaints.
     /// An encoder that takes no frame for this long has failed.
     std::chrono::milliseconds encoderPatience = std::chrono::minutes(1);
 };
@@ -93,6 +94,7 @@ class Session final : private OBWEngineListener {
 
     LogWatch mLog;
     std::unique_ptr<__kelOBWKDXMetaData> mRecord;
+    std::string mMp4Name;
     std::chrono::milliseconds mEncoderPatience;
     int mFed = 0;
     int mEncoded = 0;  ///< As last seen.

@@ -1,8 +1,6 @@
 #include <android/log.h>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <string>
@@ -11,6 +9,7 @@
 #include "capture/Capture.h"
 #include "capture/FrameList.h"
 #include "commands/Commands.h"
+#include "common/Print.h"
 #include "common/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -29,6 +28,8 @@ const std::map<std::string, int> kLogLevels{
     {"warn", ANDROID_LOG_WARN},       {"error", ANDROID_LOG_ERROR}, {"off", ANDROID_LOG_FATAL + 1}};
 
 void run(Arguments arguments) {
+    if (arguments.capture.directory.empty())
+        throw ToolError("--output: an empty name is no directory");
     if (!arguments.logLevel.empty())
         OrbitwalkSetLogLevel(kLogLevels.at(arguments.logLevel));
     if (arguments.direction != "auto")
@@ -44,9 +45,7 @@ void run(Arguments arguments) {
         std::fprintf(stderr, "orbitwalk: warning: %s\n", warning->c_str());
     if (const auto warning = nothingRenderedWarning(summary))
         std::fprintf(stderr, "orbitwalk: warning: %s\n", warning->c_str());
-    const std::string text = arguments.json ? toJsonText(summary) : toText(summary);
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
-        throw ToolError(std::string("cannot print the summary: ") + std::strerror(errno));
+    printOut(arguments.json ? toJsonText(summary) : toText(summary));
 }
 
 }  // namespace
@@ -54,11 +53,11 @@ void run(Arguments arguments) {
 void addCaptureCommand(CLI::App& app) {
     auto* command = app.add_subcommand(
         "capture",
-        "Capture a video: sweep.mp4, its motion record sweep.obw, its path sweep.csv, this "
-        "summary sweep.json");
+        "Capture a video: sweep.mp4, its motion record sweep.obw, its path sweep.csv, and a "
+        "summary, sweep.json");
     auto arguments = std::make_shared<Arguments>();
     CaptureOptions& capture = arguments->capture;
-    command->add_option("video", capture.video, "Any video that FFmpeg reads")->required();
+    command->add_option("VIDEO", capture.video, "Any video that FFmpeg reads")->required();
     command->add_option("-o,--output", capture.directory, "Directory of the results")->required();
     command
         ->add_option("--orientation", capture.orientation,

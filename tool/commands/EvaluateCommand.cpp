@@ -1,11 +1,11 @@
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 
 #include "commands/Commands.h"
+#include "common/Print.h"
 #include "common/ProgressBar.h"
 #include "common/ToolError.h"
 #include "evaluate/Evaluation.h"
@@ -100,8 +100,7 @@ void evaluate(const EvaluateOptions& options) {
         evaluation.path = pathAgainst(options.truth, *sweep);
     if (!options.video.empty())
         evaluation.video = judge(options, sweep);
-    std::fputs((options.json ? toJson(evaluation).dump(2) + "\n" : toText(evaluation)).c_str(),
-               stdout);
+    printOut(options.json ? toJson(evaluation).dump(2) + "\n" : toText(evaluation));
 }
 
 }  // namespace

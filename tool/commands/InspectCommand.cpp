@@ -1,11 +1,8 @@
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <memory>
 
 #include "commands/Commands.h"
+#include "common/Print.h"
 #include "common/RecordFile.h"
-#include "common/ToolError.h"
 #include "inspect/RecordFormats.h"
 
 namespace orbitwalk::tool {
@@ -24,8 +21,7 @@ void inspect(const InspectOptions& options) {
     const std::string text = options.json  ? recordAsJson(record)
                              : options.csv ? recordAsCsv(record)
                                            : recordAsText(record, options.fixed);
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
-        throw ToolError(std::string("cannot write the output: ") + std::strerror(errno));
+    printOut(text);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "commands/Commands.h"
 #include "common/OutputFiles.h"
+#include "common/Print.h"
 #include "common/ProgressBar.h"
 #include "common/SignalGuard.h"
 #include "common/SweepFiles.h"
@@ -49,12 +50,11 @@ struct Output {
     std::FILE* stream;
 };
 
-void writePng(const cv::Mat& picture, const Output& output) {
+void writePng(const cv::Mat& picture, Output& output) {
     std::vector<uchar> bytes;
     if (!cv::imencode(".png", picture, bytes))
         throw ToolError("cannot write " + output.path.string() + ": no PNG encoder");
-    // A write that fails shows in the stream's error flag, which the commit looks at.
-    std::fwrite(bytes.data(), 1, bytes.size(), output.stream);
+    output.files.append(output.stream, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 class Stopwatch {
@@ -110,6 +110,7 @@ class Rendering {
             renderStrip(*strip);
         if (panorama)
             renderPanorama(*panorama);
+        mSignals.check();
         for (const auto& output : {video, strip, panorama})
             if (output)
                 output->files.commit();
@@ -129,7 +130,7 @@ class Rendering {
     }
 
     static void tell(const Work& work) {
-        std::printf("%s: %s\n", work.path.c_str(), work.told.summary.c_str());
+        printOut(work.path.string() + ": " + work.told.summary + "\n");
         if (!work.told.warning.empty())
             std::fprintf(stderr, "orbitwalk: warning: %s\n", work.told.warning.c_str());
     }
@@ -150,7 +151,7 @@ class Rendering {
         const Stopwatch watch;
         ProgressBar bar("Rendering", shots());
         const SteadyVideo video =
-            writeSteadyVideo(mSweep, mOptions.steady, work.stream, progressOf(bar));
+            writeSteadyVideo(mSweep, mOptions.steady, work.stream, work.path, progressOf(bar));
         work.told = describe(video, watch.seconds());
     }
 

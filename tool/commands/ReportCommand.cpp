@@ -5,6 +5,7 @@
 #include "commands/Commands.h"
 #include "common/OutputFiles.h"
 #include "common/PathOfRecord.h"
+#include "common/Print.h"
 #include "common/ProgressBar.h"
 #include "common/SignalGuard.h"
 #include "common/SweepFiles.h"
@@ -54,11 +55,13 @@ void writeReport(const ReportOptions& options) {
     OutputFiles files(options.page.parent_path());
     std::FILE* const stream = files.create(options.page.filename());
     const std::string page = reportPage(reportJson(data, readPictures(sweep, data, signals)));
-    // A write that fails shows in the stream's error flag, which the commit looks at.
-    std::fwrite(page.data(), 1, page.size(), stream);
+    files.append(stream, page);
+    signals.check();
     files.commit();
-    std::printf("%s: report on %d frames, %.1f MB\n", options.page.c_str(), data.frames,
-                static_cast<double>(page.size()) / 1e6);
+    char facts[80];
+    std::snprintf(facts, sizeof facts, ": report on %d frames, %.1f MB\n", data.frames,
+                  static_cast<double>(page.size()) / 1e6);
+    printOut(options.page.string() + facts);
 }
 
 }  // namespace

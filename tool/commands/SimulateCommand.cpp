@@ -1,8 +1,7 @@
 #include <algorithm>
-#include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -10,8 +9,10 @@
 
 #include "commands/Commands.h"
 #include "common/OutputFiles.h"
+#include "common/Print.h"
 #include "common/ProgressBar.h"
 #include "common/SignalGuard.h"
+#include "common/SweepFiles.h"
 #include "common/ToolError.h"
 #include "media/VideoWriter.h"
 #include "simulate/Photo.h"
@@ -28,6 +29,7 @@ struct SimulateOptions {
     SimulationSettings settings;
     std::string size = "1920x1080";
     std::string rate = "30";
+    std::string direction = "left2right";
     fs::path photo;
     fs::path clip;
     fs::path truth;
@@ -35,6 +37,11 @@ struct SimulateOptions {
     std::int64_t bitRate = 0;
     bool json = false;
 };
+
+const std::map<std::string, SweepDirection> kDirections{{"left2right", SweepDirection::Left2Right},
+                                                        {"right2left", SweepDirection::Right2Left},
+                                                        {"top2bottom", SweepDirection::Top2Bottom},
+                                                        {"bottom2top", SweepDirection::Bottom2Top}};
 
 // CLI::Range lets NaN pass.
 CLI::Validator within(double smallest, double largest) {
@@ -51,9 +58,11 @@ CLI::Validator within(double smallest, double largest) {
 
 FrameSize parseSize(const std::string& text) {
     FrameSize size;
-    int end = 0;
-    const bool ok = std::sscanf(text.c_str(), "%5dx%5d%n", &size.width, &size.height, &end) == 2 &&
-                    end == static_cast<int>(text.size());
+    const char* const end = text.data() + text.size();
+    const auto width = std::from_chars(text.data(), end, size.width);
+    const bool times = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
+    const auto height = times ? std::from_chars(width.ptr + 1, end, size.height) : width;
+    const bool ok = times && height.ec == std::errc() && height.ptr == end;
     const auto fits = [](int side) { return side >= 64 && side <= 8192 && side % 2 == 0; };
     if (!ok || !fits(size.width) || !fits(size.height))
         throw ToolError("--size: " + text +
@@ -76,7 +85,7 @@ media::FrameRate parseRate(const std::string& text) {
 
 void refuseSharedNames(const SimulateOptions& options) {
     const auto same = [](const fs::path& p, const fs::path& q) {
-        return !p.empty() && fs::weakly_canonical(p) == fs::weakly_canonical(q);
+        return !p.empty() && followed(p) == followed(q);
     };
     if (same(options.truth, options.clip) || same(options.photo, options.clip) ||
         same(options.photo, options.truth))
@@ -161,6 +170,7 @@ void writeFiles(Simulation& simulation, const SimulateOptions& options,
     } catch (const media::MediaError& error) {
         throw ToolError(options.clip.string() + ": " + error.what());
     }
+    signals.check();
     truth.commit();
     clip.commit();
 }
@@ -169,6 +179,7 @@ void simulate(SimulateOptions options) {
     const auto start = std::chrono::steady_clock::now();
     options.settings.size = parseSize(options.size);
     options.settings.rate = parseRate(options.rate);
+    options.settings.direction = kDirections.at(options.direction);
     refuseSharedNames(options);
     const SignalGuard signals;
     const cv::Mat3b photo = options.photo.empty() ? cv::Mat3b() : readPhoto(options.photo);
@@ -177,8 +188,7 @@ void simulate(SimulateOptions options) {
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     const std::string summary = options.json ? asJson(simulation, options, time.count())
                                              : asText(simulation, options, time.count());
-    if (std::fputs(summary.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
-        throw ToolError(std::string("cannot print the summary: ") + std::strerror(errno));
+    printOut(summary);
 }
 
 void addSceneOptions(CLI::App& command, SimulateOptions& options) {
@@ -201,22 +211,24 @@ void addSceneOptions(CLI::App& command, SimulateOptions& options) {
                     "Height of an object that crosses in front, as a share of the frame's")
         ->check(within(0, 1))
         ->capture_default_str();
-    command.add_option("--seed", s.seed, "Seed of everything random")->capture_default_str();
+    command.add_option("--seed", s.seed, "Seed of everything random")
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                const bool digits = text.find_first_not_of("0123456789") == std::string::npos;
+                return digits ? std::string() : text + " is not a whole number of 0 or more";
+            },
+            ""))
+        ->capture_default_str();
 }
 
 void addMotionOptions(CLI::App& command, SimulateOptions& options) {
-    static const std::map<std::string, SweepDirection> directions{
-        {"left2right", SweepDirection::Left2Right},
-        {"right2left", SweepDirection::Right2Left},
-        {"top2bottom", SweepDirection::Top2Bottom},
-        {"bottom2top", SweepDirection::Bottom2Top}};
     SimulationSettings& s = options.settings;
     command.add_option("--frames", s.frames, "Number of frames")
         ->check(within(1, 100000))
         ->capture_default_str();
-    command.add_option("--direction", s.direction, "Where the camera goes")
-        ->transform(CLI::CheckedTransformer(directions, CLI::ignore_case))
-        ->default_str("left2right");
+    command.add_option("--direction", options.direction, "Where the camera goes")
+        ->check(CLI::IsMember(&kDirections))
+        ->capture_default_str();
     command.add_option("--speed", s.speed, "Speed of the sweep, pixels a frame")
         ->check(within(0, 1000))
         ->capture_default_str();

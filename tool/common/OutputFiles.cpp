@@ -56,6 +56,8 @@ void OutputFiles::makeDirectory() {
         path /= part;
         if (path.has_filename() && fs::create_directory(path, error))
             mMade.push_back(path);
+        if (error && fs::exists(path) && !fs::is_directory(path))
+            fail(mDirectory, path.string() + " is not a directory");
         if (error)
             fail(mDirectory, error.message());
     }
@@ -77,10 +79,17 @@ std::FILE* OutputFiles::create(const std::string& name) {
 }
 
 void OutputFiles::write(const std::string& name, std::span<const char> bytes) {
-    std::FILE* stream = create(name);
-    if (std::fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size() ||
-        std::fflush(stream) != 0)
-        fail(mDirectory / name, std::strerror(errno));
+    append(create(name), bytes);
+}
+
+void OutputFiles::append(std::FILE* stream, std::span<const char> bytes) {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size() &&
+        std::fflush(stream) == 0)
+        return;
+    const std::string reason = std::strerror(errno);
+    for (const File& file : mFiles)
+        if (file.stream.get() == stream)
+            fail(file.target, reason);
 }
 
 void OutputFiles::commit() {

@@ -23,6 +23,8 @@ class OutputFiles {
     /// stream stays open until commit, and this object's. @throws ToolError, also where something
     /// other than a file has the name.
     std::FILE* create(const std::string& name);
+    /// Writes to the end of a file that was begun. @throws ToolError with the reason.
+    void append(std::FILE* stream, std::span<const char> bytes);
     /// Begins a file and writes all of it. @throws ToolError.
     void write(const std::string& name, std::span<const char> bytes);
     /// Closes all files and gives them their names, replacing former files. When that fails, the

@@ -14,6 +14,9 @@ inline constexpr char kSweepSummaryName[] = "sweep.json";
 inline constexpr const char* kSweepNames[] = {kSweepVideoName, kSweepRecordName, kSweepPathName,
                                               kSweepSummaryName};
 
+/// The path with links followed as far as they lead; as it is where they cannot be followed.
+std::filesystem::path followed(const std::filesystem::path& path);
+
 /// @throws ToolError when an output has the name of a file of the sweep or of another output; empty
 /// names are none.
 void refuseTakenNames(const std::filesystem::path& sweepDirectory,

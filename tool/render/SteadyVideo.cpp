@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <opencv2/core/utility.hpp>
+#include <optional>
 #include <thread>
 
+#include "common/ToolError.h"
 #include "media/VideoWriter.h"
 #include "render/FramePlanes.h"
 #include "render/FrameWarp.h"
@@ -57,15 +59,28 @@ SteadyVideo summary(const std::vector<Shot>& shots, cv::Size frame, cv::Size siz
     return video;
 }
 
+/// A writer knows only its stream.
+template <typename Step>
+void naming(const std::filesystem::path& file, Step step) {
+    try {
+        step();
+    } catch (const media::MediaError& error) {
+        throw ToolError(file.string() + ": " + error.what());
+    }
+}
+
 }  // namespace
 
 SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings, std::FILE* stream,
+                             const std::filesystem::path& name,
                              const std::function<void(int)>& progress) {
     const std::vector<Shot> shots = playlist(sweep.record, settings.borderFrames);
     const cv::Size size = settings.compare ? pairSize(sweep.size()) : sweep.size();
     const int workers = workerCount(settings.threads);
     ShotReader reader(sweep, shots);
-    media::VideoWriter writer(stream, encoderSettings(settings, size, reader.frameRate()));
+    std::optional<media::VideoWriter> writer;
+    naming(name,
+           [&] { writer.emplace(stream, encoderSettings(settings, size, reader.frameRate())); });
     int written = 0;
     const OneThreadEach guard;
     OrderedPipeline<ShotFrame, Pixels> pipeline(
@@ -77,12 +92,12 @@ SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings,
                         : steady;
          },
          [&](const Pixels& frame) {
-             writer.write(frame);
+             naming(name, [&] { writer->write(frame); });
              progress(++written);
          }},
         workers, 2 * workers + 2);
     pipeline.run();
-    writer.finish();
+    naming(name, [&] { writer->finish(); });
     return summary(shots, sweep.size(), size);
 }
 

@@ -28,10 +28,11 @@ struct SteadyVideo {
 
 /// Plays a sweep into an MP4 as a player would show it. The same sweep and settings give the same
 /// bytes, whatever the number of threads.
-/// @param stream    seekable.
+/// @param stream    seekable. @param name  of its file, for complaints.
 /// @param progress  told the number of frames written so far.
 /// @throws ToolError, MediaError: see ShotReader and VideoWriter.
 SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings, std::FILE* stream,
+                             const std::filesystem::path& name,
                              const std::function<void(int)>& progress);
 
 }  // namespace orbitwalk::tool

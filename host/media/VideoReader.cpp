@@ -42,6 +42,10 @@ int VideoReader::height() const {
     return mState->height & ~1;
 }
 
+bool VideoReader::isTrimmed() const {
+    return width() != mState->width || height() != mState->height;
+}
+
 FrameRate VideoReader::frameRate() const {
     return frameRateOf(mState->decoder.stream());
 }

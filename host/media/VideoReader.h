@@ -23,8 +23,9 @@ class VideoReader {
     VideoReader(VideoReader&&) noexcept;
     VideoReader& operator=(VideoReader&&) noexcept;
 
-    int width() const;   ///< Even, pixels.
-    int height() const;  ///< Even, pixels.
+    int width() const;       ///< Even, pixels.
+    int height() const;      ///< Even, pixels.
+    bool isTrimmed() const;  ///< An odd last column or row is cut off.
     FrameRate frameRate() const;
     /// By the container's word (its count, or duration times rate); 0 when it does not say.
     std::int64_t expectedFrames() const;

@@ -132,6 +132,19 @@ TEST_F(CaptureCommand, SaysWhenNothingIsRenderedOrTooLittleToSmooth) {
     EXPECT_EQ(smoothing({"--first", "1"}), "smoothed");
 }
 
+TEST_F(CaptureCommand, NotesAnotherRateAndAnOddSize) {
+    std::string y4m = "YUV4MPEG2 W65 H49 F60:1 C420jpeg\n";
+    for (int i = 0; i < 3; ++i)
+        y4m += "FRAME\n" + std::string(65 * 49 + 2 * 33 * 25, '\x80');
+    test_support::writeFile(mDir / "odd.y4m", y4m);
+    const auto run = capture({mDir / "odd.y4m", "--json"});
+    EXPECT_THAT(run.err,
+                HasSubstr("note: the video has 60 frames/s; the sweep plays them at 30\n"));
+    EXPECT_THAT(run.err,
+                HasSubstr("note: the video's last column or row is left out: the sweep is 64x48"));
+    EXPECT_EQ(json::parse(run.out).at("frameRate"), json({{"video", 60}, {"sweep", 30}}));
+}
+
 TEST_F(CaptureCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
     const std::string video = pan({.width = 64, .height = 48, .frames = 3});
     test_support::writeFile(mDir / "text.mp4", "not a video");

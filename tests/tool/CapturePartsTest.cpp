@@ -7,6 +7,7 @@
 
 #include "capture/EngineTempDirectory.h"
 #include "capture/FrameList.h"
+#include "capture/Notes.h"
 #include "capture/RepeatedMotion.h"
 #include "capture/Summary.h"
 #include "capture/SweepCsv.h"
@@ -114,6 +115,16 @@ TEST(Summary, WarnsWhenMoreThanATenthOfTheMotionsAreRepeated) {
     const auto warning = repeatedMotionWarning(6, 50);
     ASSERT_TRUE(warning);
     EXPECT_NE(warning->find("6 of 50 frames"), std::string::npos);
+}
+
+TEST(Notes, AdviseWhereTheVideoIsMarkedAsTurned) {
+    Summary summary;
+    EXPECT_EQ(notesOn(summary), std::vector<std::string>{});
+    summary.videoRate = 30000 / 1001.0;
+    summary.unheededRotation = 90;
+    EXPECT_EQ(notesOn(summary),
+              std::vector<std::string>{"the video is marked to be shown turned by 90 degrees; give "
+                                       "--orientation"});
 }
 
 TEST(Smoothing, TellsTheFallbackFromASweepThatStoodStillAndFromTooFewFrames) {

@@ -73,6 +73,18 @@ TEST_F(Inspect, ShowsAMatrixAsTheCorrectionThatItStandsFor) {
     EXPECT_THAT(run({"--raw"}), HasSubstr("  0.458  [999968 -7999 0 7999 999968 0 "));
 }
 
+TEST_F(Inspect, MarksDisplacementsThatSaturated) {
+    auto record = sampleRecord();
+    record.scaledInputTransform[3] = INT32_MAX;
+    record.scaledInputTransform[4] = INT32_MIN;
+    mBytes = recordBytes(record);
+    writeFile();
+    const std::string text = run({});
+    EXPECT_THAT(text, testing::ContainsRegex("frame    3 .*2147.484 [^\n]*\\(saturated\\)\n"
+                                             "frame    4 .*-2147.484 [^\n]*\\(saturated\\)\n"
+                                             "frame    5 [^(]*\n"));
+}
+
 TEST_F(Inspect, GivesJsonForMachines) {
     const auto json = nlohmann::json::parse(run({"--json"}));
     EXPECT_EQ(json["width"], 1280);

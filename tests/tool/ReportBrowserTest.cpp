@@ -173,9 +173,9 @@ void expectPictures(const json& found) {
 
 void expectWords(const json& found) {
     EXPECT_EQ(found.at("title"), kHostileName);
-    for (const char* text : {kHostileName, "320 × 240 px", "right to left", "9 in the range 0 to 9",
-                             "80.0 % of the width, 80.0 % of the height", "2 of 10 frames (20.0 %)",
-                             "decode the video", "250 ms", "500 ms"})
+    for (const char* text : {kHostileName, "320 × 240 px", "reverse landscape", "right to left",
+                             "9 in the range 0 to 9", "80.0 % of the width, 80.0 % of the height",
+                             "2 of 10 frames (20.0 %)", "decode the video", "250 ms", "500 ms"})
         EXPECT_THAT(found.at("texts"), testing::Contains(text));
     EXPECT_THAT(found.at("texts"),
                 testing::Contains(testing::ResultOf(

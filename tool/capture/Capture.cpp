@@ -49,9 +49,9 @@ SweepSelection select(const CaptureOptions& options, const std::vector<PathPoint
         requireFrame("--skip", frame, frames);
         selection.flags[frame] = 0;
     }
-    selection.direction =
-        options.direction.value_or(sweepDirection(path[selection.first], path[selection.last],
-                                                  options.orientation, options.frontCameraFlipped));
+    selection.direction = options.direction.value_or(
+        sweepDirection(path[selection.first], path[selection.last], options.orientation.value_or(0),
+                       options.frontCameraFlipped));
     return selection;
 }
 
@@ -72,6 +72,15 @@ void fillFromRecord(Summary& summary, const __kelOBWKDXMetaData& record) {
     summary.smoothing = smoothingOf(record);
 }
 
+void fillFromVideo(Summary& summary, const CaptureOptions& options,
+                   const media::VideoReader& video) {
+    summary.video = options.video;
+    const media::FrameRate rate = video.frameRate();
+    summary.videoRate = static_cast<double>(rate.numerator) / rate.denominator;
+    summary.unheededRotation = options.orientation ? 0 : video.rotationDegrees();
+    summary.trimmed = video.isTrimmed();
+}
+
 Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& session,
              const SignalGuard& signals, StageSeconds& seconds) {
     Feed feed = feedVideo(video, session, options.realtime, signals, seconds);
@@ -86,7 +95,7 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
     Summary summary;
     Session session({.width = video.width(),
                      .height = video.height(),
-                     .orientation = options.orientation,
+                     .orientation = options.orientation.value_or(0),
                      .frontCameraFlipped = options.frontCameraFlipped,
                      .mp4Name = options.directory / kSweepVideoName},
                     outputs.create(kSweepVideoName));
@@ -99,7 +108,7 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
     outputs.write(kSweepRecordName, {reinterpret_cast<const char*>(&record), sizeof record});
     outputs.write(kSweepPathName, sweepCsv(feed.path, selection.flags, repeated));
 
-    summary.video = options.video;
+    fillFromVideo(summary, options, video);
     summary.frames = static_cast<int>(feed.path.size());
     summary.truncated = feed.truncated;
     summary.first = selection.first;

@@ -11,7 +11,7 @@ namespace orbitwalk::tool {
 struct CaptureOptions {
     std::filesystem::path video;
     std::filesystem::path directory;
-    int orientation = 0;
+    std::optional<int> orientation;  ///< Degrees; else 0.
     bool frontCameraFlipped = false;
     std::optional<OBWDirection> direction;  ///< Without one it is told from the measured motion.
     std::optional<int> first;               ///< Else the first frame of the video.

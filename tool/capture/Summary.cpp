@@ -32,24 +32,13 @@ std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames
         repeatedMotions, frames);
 }
 
-std::optional<std::string> truncationNote(const Summary& summary) {
-    if (!summary.truncated)
-        return std::nullopt;
-    return line("stopped taking frames at %d, the most that a sweep can hold; the video goes on",
-                summary.frames);
-}
-
-std::optional<std::string> nothingRenderedWarning(const Summary& summary) {
-    if (summary.rendered > 0)
-        return std::nullopt;
-    return "every frame of the range is skipped: the record renders no frame";
-}
-
 std::string toText(const Summary& summary) {
     const StageSeconds& s = summary.seconds;
     return line("frames            %d of %dx%d, %d to %d rendered, %d skipped%s\n", summary.frames,
                 summary.width, summary.height, summary.first, summary.last, summary.skipped,
                 summary.truncated ? " (the video has more)" : "") +
+           line("frame rate        %.2f frames/s, the sweep's %d\n", summary.videoRate,
+                kSweepRate) +
            line("direction         %s\n", directionName(summary.direction)) +
            line("path extent       %.1f x %.1f px\n", summary.extent.x, summary.extent.y) +
            line("crop kept         %.1f %% of the width, %.1f %% of the height\n",
@@ -75,6 +64,7 @@ nlohmann::ordered_json toJson(const Summary& summary) {
             {"width", summary.width},
             {"height", summary.height},
             {"frames", summary.frames},
+            {"frameRate", {{"video", summary.videoRate}, {"sweep", kSweepRate}}},
             {"truncated", summary.truncated},
             {"first", summary.first},
             {"last", summary.last},

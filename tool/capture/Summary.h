@@ -40,12 +40,20 @@ inline constexpr Stage kStages[] = {{"decode", &StageSeconds::decode},
                                     {"cleanUp", &StageSeconds::cleanUp},
                                     {"total", &StageSeconds::total}};
 
+/// Frames a second of every sweep.mp4: the engine's encoder knows no other.
+inline constexpr int kSweepRate = 30;
+
 /// What a capture came to.
 struct Summary {
     std::filesystem::path video;
     int width = 0;
     int height = 0;
     int frames = 0;
+    double videoRate = kSweepRate;  ///< Frames a second, by the video's word.
+    /// By how much the video is marked to be shown turned, clockwise, when no orientation was
+    /// given.
+    int unheededRotation = 0;
+    bool trimmed = false;    ///< The video has an odd last column or row, which the sweep has not.
     bool truncated = false;  ///< The video has more frames than a sweep can hold.
     int first = 0;
     int last = 0;
@@ -66,12 +74,6 @@ struct Summary {
 
 /// A line that warns of too many repeated motions, more than a tenth of the frames.
 std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames);
-
-/// A line that says that frames were left out, when some were.
-std::optional<std::string> truncationNote(const Summary& summary);
-
-/// A line that warns that every frame of the range is skipped, when it is so.
-std::optional<std::string> nothingRenderedWarning(const Summary& summary);
 
 std::string toText(const Summary& summary);
 nlohmann::ordered_json toJson(const Summary& summary);

@@ -8,6 +8,7 @@
 #include "OrbitwalkPlatform.h"
 #include "capture/Capture.h"
 #include "capture/FrameList.h"
+#include "capture/Notes.h"
 #include "commands/Commands.h"
 #include "common/Print.h"
 #include "common/ToolError.h"
@@ -39,12 +40,10 @@ void run(Arguments arguments) {
     if (!arguments.skip.empty())
         arguments.capture.skip = parseFrameList(arguments.skip);
     const Summary summary = captureSweep(arguments.capture);
-    if (const auto note = truncationNote(summary))
-        std::fprintf(stderr, "orbitwalk: note: %s\n", note->c_str());
-    if (const auto warning = repeatedMotionWarning(summary.repeatedMotions, summary.frames))
-        std::fprintf(stderr, "orbitwalk: warning: %s\n", warning->c_str());
-    if (const auto warning = nothingRenderedWarning(summary))
-        std::fprintf(stderr, "orbitwalk: warning: %s\n", warning->c_str());
+    for (const std::string& note : notesOn(summary))
+        std::fprintf(stderr, "orbitwalk: note: %s\n", note.c_str());
+    for (const std::string& warning : warningsOf(summary))
+        std::fprintf(stderr, "orbitwalk: warning: %s\n", warning.c_str());
     printOut(arguments.json ? toJsonText(summary) : toText(summary));
 }
 
@@ -63,7 +62,7 @@ void addCaptureCommand(CLI::App& app) {
         ->add_option("--orientation", capture.orientation,
                      "Device orientation in degrees; the record holds 90 and 270 swapped")
         ->check(CLI::IsMember({0, 90, 180, 270, 360}))
-        ->capture_default_str();
+        ->default_str("0");
     command->add_flag("--front-flip", capture.frontCameraFlipped,
                       "The front camera's preview is mirrored");
     command->add_option("--direction", arguments->direction, "Direction of the sweep")

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <iomanip>
 #include <numbers>
 #include <sstream>
@@ -9,6 +10,9 @@
 namespace orbitwalk::tool {
 
 namespace {
+
+/// Pixels along the sweep that the record's 32 bits can hold; what lies beyond is written as this.
+constexpr double kFarthest = 2147.483;
 
 void writeHeader(std::ostream& out, const RecordReader& record, const RecordEntries& entries) {
     const auto& raw = record.raw();
@@ -40,7 +44,6 @@ void writeMatrix(std::ostream& out, const MatrixEntry& entry, bool withFixed) {
             out << (i ? " " : "") << entry.fixed[i];
         out << "]";
     }
-    out << "\n";
 }
 
 void writeBorder(std::ostream& out, const char* side, const std::vector<MatrixEntry>& entries,
@@ -48,6 +51,7 @@ void writeBorder(std::ostream& out, const char* side, const std::vector<MatrixEn
     for (const MatrixEntry& entry : entries) {
         out << std::setw(5) << side << std::setw(5) << entry.index << std::setw(24) << "";
         writeMatrix(out, entry, withFixed);
+        out << "\n";
     }
 }
 
@@ -65,6 +69,7 @@ std::string recordAsText(const RecordReader& record, bool withFixed) {
             << std::setw(7) << (frame.rendered ? "yes" : "no") << std::setprecision(3)
             << std::setw(13) << frame.displacement;
         writeMatrix(out, frame.matrix, withFixed);
+        out << (std::abs(frame.displacement) >= kFarthest ? "  (saturated)\n" : "\n");
     }
     writeBorder(out, "right", entries.right, withFixed);
     return out.str();

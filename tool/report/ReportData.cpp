@@ -117,6 +117,8 @@ ReportData reportData(const RecordReader& record, std::span<const SweepRow> path
     data.frames = record.frameCount();
     data.range = record.range();
     data.direction = directionName(record.direction());
+    data.orientation = orientationName(record.orientation());
+    data.flipped = record.isFlipped();
     data.crop = record.crop();
     addMotion(data, path);
     addPaths(data, record, path);

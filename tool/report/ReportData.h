@@ -53,6 +53,8 @@ struct ReportData {
     FrameRange range;
     int rendered = 0;
     std::string direction;
+    std::string orientation;
+    bool flipped = false;  ///< The front camera's preview was mirrored.
     CropRectangle crop;
     Smoothing smoothing = Smoothing::Smoothed;
     std::optional<int> feedbackStep;  ///< See SmoothedPath.

@@ -92,6 +92,8 @@ std::string reportJson(const ReportData& data, const ReportPictures& pictures) {
                     {"last", data.range.end - 1},
                     {"rendered", data.rendered},
                     {"direction", data.direction},
+                    {"orientation", data.orientation},
+                    {"flipped", data.flipped},
                     {"crop", cropJson(data)},
                     {"smoothing", wordsOf(data.smoothing)},
                     {"feedbackStep", orNull(data.feedbackStep)},

@@ -37,6 +37,7 @@ function summaryRows() {
         ["Frames", data.frames + (capture && capture.truncated ? ", the video has more" : "")],
         ["Rendered", `${data.rendered} in the range ${data.first} to ${data.last}`],
         ["Direction", data.direction],
+        ["Orientation", data.orientation + (data.flipped ? ", front camera's preview mirrored" : "")],
         ["Crop kept", `${percent(crop.width, data.width)} of the width, ${percent(crop.height, data.height)} of the height`],
         ["Smoothing", smoothingText()],
         ["Repeated motions", repeatedText()],

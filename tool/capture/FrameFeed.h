@@ -17,8 +17,7 @@ struct Feed {
 
 /// Decodes the video and gives each frame to the session, at most as many as a sweep can hold.
 /// @param realtime  paces the frames at the video's rate; otherwise they come as fast as the
-/// encoder
-///                  takes them.
+/// encoder takes them.
 /// @throws ToolError, also on a signal; MediaError.
 Feed feedVideo(media::VideoReader& video, Session& session, bool realtime,
                const SignalGuard& signals, StageSeconds& seconds);

@@ -27,8 +27,7 @@ std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames
         return std::nullopt;
     return line(
         "%d of %d frames repeat the last motion because theirs could not be measured: too few "
-        "corners "
-        "to follow (the picture is small, soft or dark, or moves too fast)",
+        "corners to follow (the picture is small, soft or dark, or moves too fast)",
         repeatedMotions, frames);
 }
 

@@ -28,7 +28,7 @@ forbid src "the engine does not know its hosts" media/ opencv2/videoio opencv2/h
 forbid tool "the tool is a client, never an insider" engine/ frameproc/ findTransform/ opencv2/videoio opencv2/highgui
 while IFS= read -r file; do
     complain "$file: only SmoothedPath looks into the stabiliser"
-done < <(grep -rlE '^#include "stabilization/' tool | grep -v '^tool/common/SmoothedPath\.cpp$')
+done < <(grep -rlE '^#include "stabilization/' tool | grep -v '^tool/sweep/SmoothedPath\.cpp$')
 forbid include "public headers stand alone" engine/ frameproc/ findTransform/ stabilization/ media/
 
 while IFS= read -r file; do

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "commands/Commands.h"
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "common/SweepTable.h"
 #include "orbitwalk/MetaData.h"
+#include "sweep/SweepTable.h"
 
 /// A scene that is a smooth function of the place, and a sweep across it: everything that a
 /// renderer makes of it can be told by evaluating the function.

@@ -5,9 +5,9 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 
-#include "common/RecordFile.h"
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
+#include "sweep/RecordFile.h"
 #include "tool/PanVideo.h"
 #include "tool/RunTool.h"
 

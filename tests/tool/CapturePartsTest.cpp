@@ -9,12 +9,12 @@
 #include "capture/FrameList.h"
 #include "capture/Notes.h"
 #include "capture/RepeatedMotion.h"
-#include "capture/Summary.h"
-#include "capture/SweepCsv.h"
 #include "capture/SweepPath.h"
-#include "common/OutputFiles.h"
-#include "common/ToolError.h"
+#include "files/OutputFiles.h"
 #include "support/TestDirectory.h"
+#include "sweep/Summary.h"
+#include "sweep/SweepCsv.h"
+#include "terminal/ToolError.h"
 
 namespace {
 

@@ -5,12 +5,12 @@
 #include <numbers>
 #include <string>
 
-#include "common/ToolError.h"
 #include "evaluate/PathError.h"
 #include "evaluate/SweepFacts.h"
-#include "evaluate/TruthTable.h"
 #include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
+#include "sweep/TruthTable.h"
+#include "terminal/ToolError.h"
 
 using namespace orbitwalk;
 using namespace orbitwalk::tool;

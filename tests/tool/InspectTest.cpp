@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "commands/Commands.h"
-#include "common/ToolError.h"
 #include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 namespace {

@@ -4,9 +4,9 @@
 
 #include <opencv2/core.hpp>
 
-#include "common/ToolError.h"
 #include "render/FramePlanes.h"
 #include "support/TestDirectory.h"
+#include "terminal/ToolError.h"
 #include "tool/AnalyticSweep.h"
 
 namespace orbitwalk::tool {

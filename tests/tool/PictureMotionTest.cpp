@@ -9,7 +9,7 @@
 
 #include "simulate/CameraPath.h"
 #include "simulate/HandShake.h"
-#include "simulate/TruthFile.h"
+#include "sweep/TruthFile.h"
 
 namespace orbitwalk::tool {
 namespace {

@@ -1,4 +1,4 @@
-#include "render/Playlist.h"
+#include "sweep/Playlist.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "capture/Summary.h"
 #include "support/TestDirectory.h"
+#include "sweep/Summary.h"
 #include "tool/AnalyticSweep.h"
 #include "tool/Browser.h"
 #include "tool/RunTool.h"

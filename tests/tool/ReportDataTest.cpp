@@ -3,11 +3,11 @@
 
 #include <cmath>
 
-#include "common/ToolError.h"
 #include "report/ReportData.h"
-#include "report/SavedSummary.h"
 #include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
+#include "sweep/SavedSummary.h"
+#include "terminal/ToolError.h"
 #include "tool/AnalyticSweep.h"
 
 namespace orbitwalk::tool {

@@ -5,10 +5,10 @@
 #include <regex>
 #include <string>
 
-#include "common/ToolError.h"
 #include "simulate/CameraPath.h"
 #include "simulate/ColourPlanes.h"
 #include "simulate/ScenePlacement.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 namespace {

@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "common/PathOfRecord.h"
-#include "common/RecordFile.h"
-#include "common/SmoothedPath.h"
-#include "common/SweepTable.h"
-#include "common/ToolError.h"
 #include "support/TestDirectory.h"
+#include "sweep/PathOfRecord.h"
+#include "sweep/RecordFile.h"
+#include "sweep/SmoothedPath.h"
+#include "sweep/SweepTable.h"
+#include "terminal/ToolError.h"
 #include "tool/PanVideo.h"
 #include "tool/RunTool.h"
 

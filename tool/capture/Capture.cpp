@@ -7,12 +7,12 @@
 #include "capture/FrameFeed.h"
 #include "capture/Session.h"
 #include "capture/StageTimer.h"
-#include "capture/SweepCsv.h"
-#include "common/OutputFiles.h"
-#include "common/ProgressBar.h"
-#include "common/SignalGuard.h"
-#include "common/SweepFiles.h"
-#include "common/ToolError.h"
+#include "files/OutputFiles.h"
+#include "sweep/SweepCsv.h"
+#include "sweep/SweepFiles.h"
+#include "terminal/ProgressBar.h"
+#include "terminal/SignalGuard.h"
+#include "terminal/ToolError.h"
 
 namespace fs = std::filesystem;
 

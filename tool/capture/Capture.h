@@ -4,7 +4,7 @@
 #include <optional>
 #include <set>
 
-#include "capture/Summary.h"
+#include "sweep/Summary.h"
 
 namespace orbitwalk::tool {
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <filesystem>
 
-#include "common/ToolError.h"
 #include "orbitwalk/Engine.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 namespace {

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "capture/StageTimer.h"
-#include "common/ProgressBar.h"
+#include "terminal/ProgressBar.h"
 
 namespace orbitwalk::tool {
 namespace {

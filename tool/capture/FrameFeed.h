@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "capture/Session.h"
-#include "capture/Summary.h"
-#include "common/SignalGuard.h"
 #include "media/VideoReader.h"
+#include "sweep/Summary.h"
+#include "terminal/SignalGuard.h"
 
 namespace orbitwalk::tool {
 

@@ -3,8 +3,8 @@
 #include <charconv>
 #include <string>
 
-#include "common/ToolError.h"
 #include "orbitwalk/MetaData.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 namespace {

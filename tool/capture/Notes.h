@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "capture/Summary.h"
+#include "sweep/Summary.h"
 
 namespace orbitwalk::tool {
 

@@ -14,8 +14,8 @@
 
 #include "capture/LogWatch.h"
 #include "capture/SweepPath.h"
-#include "common/ToolError.h"
 #include "orbitwalk/Engine.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -10,8 +10,8 @@
 #include "capture/FrameList.h"
 #include "capture/Notes.h"
 #include "commands/Commands.h"
-#include "common/Print.h"
-#include "common/ToolError.h"
+#include "terminal/Print.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 namespace {

@@ -5,12 +5,12 @@
 #include <optional>
 
 #include "commands/Commands.h"
-#include "common/Print.h"
-#include "common/ProgressBar.h"
-#include "common/ToolError.h"
 #include "evaluate/Evaluation.h"
 #include "evaluate/LumaVideo.h"
-#include "render/Sweep.h"
+#include "sweep/Sweep.h"
+#include "terminal/Print.h"
+#include "terminal/ProgressBar.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

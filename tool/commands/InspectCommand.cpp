@@ -1,9 +1,9 @@
 #include <memory>
 
 #include "commands/Commands.h"
-#include "common/Print.h"
-#include "common/RecordFile.h"
 #include "inspect/RecordFormats.h"
+#include "sweep/RecordFile.h"
+#include "terminal/Print.h"
 
 namespace orbitwalk::tool {
 

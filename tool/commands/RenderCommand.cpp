@@ -8,15 +8,15 @@
 #include <vector>
 
 #include "commands/Commands.h"
-#include "common/OutputFiles.h"
-#include "common/Print.h"
-#include "common/ProgressBar.h"
-#include "common/SignalGuard.h"
-#include "common/SweepFiles.h"
-#include "common/ToolError.h"
+#include "files/OutputFiles.h"
 #include "render/ContactSheet.h"
 #include "render/Panorama.h"
 #include "render/SteadyVideo.h"
+#include "sweep/SweepFiles.h"
+#include "terminal/Print.h"
+#include "terminal/ProgressBar.h"
+#include "terminal/SignalGuard.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

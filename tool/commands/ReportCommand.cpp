@@ -3,17 +3,17 @@
 #include <memory>
 
 #include "commands/Commands.h"
-#include "common/OutputFiles.h"
-#include "common/PathOfRecord.h"
-#include "common/Print.h"
-#include "common/ProgressBar.h"
-#include "common/SignalGuard.h"
-#include "common/SweepFiles.h"
-#include "common/ToolError.h"
+#include "files/OutputFiles.h"
 #include "report/Pictures.h"
 #include "report/ReportData.h"
 #include "report/ReportJson.h"
 #include "report/ReportPage.h"
+#include "sweep/PathOfRecord.h"
+#include "sweep/SweepFiles.h"
+#include "terminal/Print.h"
+#include "terminal/ProgressBar.h"
+#include "terminal/SignalGuard.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

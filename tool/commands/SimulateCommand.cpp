@@ -8,16 +8,16 @@
 #include <string>
 
 #include "commands/Commands.h"
-#include "common/OutputFiles.h"
-#include "common/Print.h"
-#include "common/ProgressBar.h"
-#include "common/SignalGuard.h"
-#include "common/SweepFiles.h"
-#include "common/ToolError.h"
+#include "files/OutputFiles.h"
 #include "media/VideoWriter.h"
 #include "simulate/Photo.h"
 #include "simulate/Simulation.h"
-#include "simulate/TruthFile.h"
+#include "sweep/SweepFiles.h"
+#include "sweep/TruthFile.h"
+#include "terminal/Print.h"
+#include "terminal/ProgressBar.h"
+#include "terminal/SignalGuard.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "common/SweepTable.h"
-#include "evaluate/TruthTable.h"
+#include "sweep/SweepTable.h"
+#include "sweep/TruthTable.h"
 
 namespace orbitwalk::tool {
 

@@ -3,7 +3,7 @@
 #include <opencv2/core/mat.hpp>
 #include <optional>
 
-#include "render/Affine.h"
+#include "sweep/Affine.h"
 
 namespace orbitwalk::tool {
 

@@ -4,7 +4,7 @@
 #include <opencv2/core/types.hpp>
 #include <span>
 
-#include "render/Playlist.h"
+#include "sweep/Playlist.h"
 
 namespace orbitwalk::tool {
 

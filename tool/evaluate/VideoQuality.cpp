@@ -4,10 +4,10 @@
 #include <opencv2/core.hpp>
 #include <string>
 
-#include "common/ToolError.h"
 #include "evaluate/LumaVideo.h"
 #include "evaluate/PictureQuality.h"
 #include "evaluate/Registration.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -2,7 +2,7 @@
 
 #include <opencv2/core/mat.hpp>
 
-#include "render/Sweep.h"
+#include "sweep/Sweep.h"
 
 namespace orbitwalk::tool {
 

@@ -4,7 +4,7 @@
 #include <opencv2/core/mat.hpp>
 #include <span>
 
-#include "render/Affine.h"
+#include "sweep/Affine.h"
 
 /// Frames are tightly packed I420 of even size and video range. A colour sample lies where H.264
 /// puts it unless told otherwise: level with every other column of the luma, and half-way between

@@ -4,7 +4,7 @@
 #include <opencv2/core/types.hpp>
 #include <span>
 
-#include "render/Affine.h"
+#include "sweep/Affine.h"
 
 namespace orbitwalk::tool {
 

@@ -4,7 +4,7 @@
 #include <opencv2/core/mat.hpp>
 
 #include "render/PanoramaLayout.h"
-#include "render/Sweep.h"
+#include "sweep/Sweep.h"
 
 namespace orbitwalk::tool {
 

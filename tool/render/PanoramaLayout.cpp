@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

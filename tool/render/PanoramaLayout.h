@@ -4,9 +4,9 @@
 #include <span>
 #include <vector>
 
-#include "common/SweepTable.h"
 #include "orbitwalk/RecordReader.h"
-#include "render/Playlist.h"
+#include "sweep/Playlist.h"
+#include "sweep/SweepTable.h"
 
 /// Where the pictures of a sweep lie in the scene that they sweep across. Scene coordinates are
 /// pixels of the first frame of a path. The frame of row i moves with the picture's motion from row

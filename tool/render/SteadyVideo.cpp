@@ -5,13 +5,13 @@
 #include <optional>
 #include <thread>
 
-#include "common/ToolError.h"
 #include "media/VideoWriter.h"
 #include "render/FramePlanes.h"
 #include "render/FrameWarp.h"
 #include "render/OneThreadEach.h"
 #include "render/OrderedPipeline.h"
 #include "render/SideBySide.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "render/Sweep.h"
+#include "sweep/Sweep.h"
 
 namespace orbitwalk::tool {
 

@@ -5,10 +5,10 @@
 #include <opencv2/imgproc.hpp>
 #include <set>
 
-#include "common/ToolError.h"
 #include "render/ContactSheet.h"
 #include "render/FramePlanes.h"
 #include "render/FrameWarp.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "render/Sweep.h"
+#include "sweep/Sweep.h"
 
 namespace orbitwalk::tool {
 

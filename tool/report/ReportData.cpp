@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <numbers>
 
-#include "common/SmoothedPath.h"
-#include "common/SweepFiles.h"
-#include "common/ToolError.h"
 #include "evaluate/SweepFacts.h"
 #include "inspect/RecordEntries.h"
+#include "sweep/SmoothedPath.h"
+#include "sweep/SweepFiles.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "common/Smoothing.h"
-#include "common/SweepTable.h"
 #include "orbitwalk/RecordReader.h"
-#include "report/SavedSummary.h"
+#include "sweep/SavedSummary.h"
+#include "sweep/Smoothing.h"
+#include "sweep/SweepTable.h"
 
 namespace orbitwalk::tool {
 

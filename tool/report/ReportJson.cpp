@@ -5,8 +5,8 @@
 #include <span>
 #include <string_view>
 
-#include "common/SmoothedPath.h"
 #include "report/Base64.h"
+#include "sweep/SmoothedPath.h"
 
 namespace orbitwalk::tool {
 

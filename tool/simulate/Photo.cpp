@@ -8,7 +8,7 @@
 #include <opencv2/imgcodecs.hpp>
 #include <vector>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

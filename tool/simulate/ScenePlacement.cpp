@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

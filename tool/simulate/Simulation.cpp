@@ -4,10 +4,10 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
-#include "common/ToolError.h"
 #include "simulate/RandomStream.h"
 #include "simulate/Sensor.h"
 #include "simulate/TexturedScene.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

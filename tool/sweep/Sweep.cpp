@@ -1,10 +1,10 @@
-#include "render/Sweep.h"
+#include "sweep/Sweep.h"
 
 #include <string>
 
-#include "common/RecordFile.h"
-#include "common/SweepFiles.h"
-#include "common/ToolError.h"
+#include "sweep/RecordFile.h"
+#include "sweep/SweepFiles.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "capture/SweepPath.h"
-#include "common/Smoothing.h"
+#include "sweep/Smoothing.h"
 
 namespace orbitwalk::tool {
 

@@ -9,7 +9,7 @@
 
 #include "media/VideoReader.h"
 #include "orbitwalk/RecordReader.h"
-#include "render/Playlist.h"
+#include "sweep/Playlist.h"
 
 namespace orbitwalk::tool {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "capture/Summary.h"
+#include "sweep/Summary.h"
 
 namespace orbitwalk::tool {
 

@@ -1,4 +1,4 @@
-#include "common/ProgressBar.h"
+#include "terminal/ProgressBar.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "capture/SweepCsv.h"
+#include "sweep/SweepCsv.h"
 
 #include <charconv>
 

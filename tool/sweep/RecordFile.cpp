@@ -1,4 +1,4 @@
-#include "common/RecordFile.h"
+#include "sweep/RecordFile.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

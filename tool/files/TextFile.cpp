@@ -1,4 +1,4 @@
-#include "common/TextFile.h"
+#include "files/TextFile.h"
 
 #include <array>
 #include <cerrno>
@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -1,4 +1,4 @@
-#include "common/SmoothedPath.h"
+#include "sweep/SmoothedPath.h"
 
 #include "stabilization/CameraPath.h"
 #include "stabilization/FeedbackSearch.h"

@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "common/SweepTable.h"
+#include "sweep/SweepTable.h"
 
 namespace orbitwalk::tool {
 

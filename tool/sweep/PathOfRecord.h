@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "common/SweepTable.h"
 #include "orbitwalk/RecordReader.h"
+#include "sweep/SweepTable.h"
 
 namespace orbitwalk::tool {
 

@@ -1,13 +1,13 @@
-#include "evaluate/TruthTable.h"
+#include "sweep/TruthTable.h"
 
 #include <array>
 #include <cmath>
 #include <string>
 
-#include "common/CsvFields.h"
-#include "common/TextFile.h"
-#include "common/ToolError.h"
+#include "files/TextFile.h"
 #include "orbitwalk/MetaData.h"
+#include "sweep/CsvFields.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

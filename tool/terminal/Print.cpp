@@ -1,10 +1,10 @@
-#include "common/Print.h"
+#include "terminal/Print.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

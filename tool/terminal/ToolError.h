@@ -18,4 +18,10 @@ class ToolError : public std::runtime_error {
     int mExitCode;
 };
 
+/// What the user asked for cannot be asked for: wrong options or values, found at parsing or after.
+class UsageError : public ToolError {
+  public:
+    explicit UsageError(const std::string& line) : ToolError(line, 2) {}
+};
+
 }  // namespace orbitwalk::tool

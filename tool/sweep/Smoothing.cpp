@@ -1,4 +1,4 @@
-#include "common/Smoothing.h"
+#include "sweep/Smoothing.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,9 +1,9 @@
-#include "common/PathOfRecord.h"
+#include "sweep/PathOfRecord.h"
 
 #include <string>
 
-#include "common/SmoothedPath.h"
-#include "common/ToolError.h"
+#include "sweep/SmoothedPath.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

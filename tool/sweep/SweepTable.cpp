@@ -1,11 +1,11 @@
-#include "common/SweepTable.h"
+#include "sweep/SweepTable.h"
 
 #include <cmath>
 #include <string>
 
-#include "common/CsvFields.h"
-#include "common/TextFile.h"
-#include "common/ToolError.h"
+#include "files/TextFile.h"
+#include "sweep/CsvFields.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "orbitwalk/RecordReader.h"
-#include "render/Affine.h"
+#include "sweep/Affine.h"
 
 namespace orbitwalk::tool {
 

@@ -1,10 +1,10 @@
-#include "report/SavedSummary.h"
+#include "sweep/SavedSummary.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "common/TextFile.h"
-#include "common/ToolError.h"
+#include "files/TextFile.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

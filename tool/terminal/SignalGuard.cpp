@@ -1,8 +1,8 @@
-#include "common/SignalGuard.h"
+#include "terminal/SignalGuard.h"
 
 #include <cstring>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 namespace {

@@ -1,4 +1,4 @@
-#include "capture/Summary.h"
+#include "sweep/Summary.h"
 
 #include <cstdarg>
 #include <cstdio>

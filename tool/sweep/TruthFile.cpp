@@ -1,4 +1,4 @@
-#include "simulate/TruthFile.h"
+#include "sweep/TruthFile.h"
 
 #include <array>
 #include <charconv>

@@ -1,11 +1,11 @@
-#include "common/OutputFiles.h"
+#include "files/OutputFiles.h"
 
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace fs = std::filesystem;
 

@@ -1,8 +1,8 @@
-#include "common/SweepFiles.h"
+#include "sweep/SweepFiles.h"
 
 #include <set>
 
-#include "common/ToolError.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 

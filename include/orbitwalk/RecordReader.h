@@ -2,8 +2,8 @@
 
 /// @file
 /// Opens a motion record for a player: checks bytes of unknown origin, gives typed access, and says
-/// which point of a frame each point of the output picture shows. Header only, with RecordCheck.h
-/// and RenderMatrix.h; needs neither the engine library nor a little-endian machine.
+/// which point of a frame each point of the output picture shows. Header only, with Geometry.h,
+/// RecordCheck.h and RenderMatrix.h; needs neither the engine library nor a little-endian machine.
 
 #include <algorithm>
 #include <cstddef>
@@ -14,19 +14,12 @@
 #include <utility>
 #include <variant>
 
+#include "orbitwalk/Geometry.h"
 #include "orbitwalk/MetaData.h"
 #include "orbitwalk/RecordCheck.h"
 #include "orbitwalk/RenderMatrix.h"
 
 namespace orbitwalk {
-
-/// Pixel columns x to x + width - 1 and rows y to y + height - 1.
-struct CropRectangle {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-};
 
 /// Frames begin to end - 1.
 struct FrameRange {

@@ -11,12 +11,9 @@
 #include <cmath>
 #include <cstdint>
 
-namespace orbitwalk {
+#include "orbitwalk/Geometry.h"
 
-struct PicturePoint {
-    double x = 0;
-    double y = 0;
-};
+namespace orbitwalk {
 
 /// A written matrix W, decoded. It acts on row vectors of output coordinates,
 /// [x y 1]_frame = [x y 1]_output * W, and its third column is (0, 0, 1).

@@ -14,10 +14,6 @@ std::string textOf(const CropRectangle& crop) {
            std::to_string(crop.x) + "," + std::to_string(crop.y);
 }
 
-bool isSame(const CropRectangle& a, const CropRectangle& b) {
-    return a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height;
-}
-
 }  // namespace
 
 void requirePathOfRecord(std::span<const SweepRow> path, const RecordReader& record) {
@@ -31,7 +27,7 @@ void requirePathOfRecord(std::span<const SweepRow> path, const RecordReader& rec
         smoothedPath(path, raw.startIndex, raw.endIndex, record.width(), record.height());
     const CropRectangle crop{smoothed.minX, smoothed.minY, smoothed.maxX - smoothed.minX,
                              smoothed.maxY - smoothed.minY};
-    if (!isSame(crop, record.crop()))
+    if (crop != record.crop())
         throw ToolError("its path leads to the crop " + textOf(crop) + ", the record has " +
                         textOf(record.crop()));
 }

@@ -29,11 +29,11 @@ target_compile_features(orbitwalk_settings INTERFACE cxx_std_20)
 # prefix keeps the paths of the machine that builds out of the errors that OpenCV reports.
 target_compile_options(orbitwalk_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wformat=2 -Wnon-virtual-dtor
-    -Woverloaded-virtual -Werror -ffp-contract=off
+    -Woverloaded-virtual $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety> -Werror -ffp-contract=off
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(ORBITWALK_SANITIZE)
     # GCC's flow analysis calls members uninitialised that its instrumentation only hides, in <regex> for one.
-    target_compile_options(orbitwalk_settings INTERFACE -Wno-maybe-uninitialized
+    target_compile_options(orbitwalk_settings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
         -fsanitize=${ORBITWALK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(orbitwalk_settings INTERFACE -fsanitize=${ORBITWALK_SANITIZE})
 endif()

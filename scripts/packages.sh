@@ -5,12 +5,13 @@ packages_build=(
     libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev libopencv-imgcodecs-dev
     libopencv-calib3d-dev
     libavcodec-dev libavformat-dev libavutil-dev libswscale-dev
-    libspdlog-dev libcli11-dev nlohmann-json3-dev
+    libspdlog-dev libcli11-dev nlohmann-json3-dev libtbb-dev libeigen3-dev
     npm
 )
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium)
+packages_clang=(clang libclang-rt-14-dev)
 
 # is_there NAME: the package is installed, or the command npm for the package of that name: Node.js from another
 # source brings an npm of its own, and Debian's cannot be installed beside it.

@@ -24,7 +24,7 @@ std::int64_t expectedFramesOf(const AVFormatContext& container, const AVStream& 
     if (stream.duration > 0)
         return av_rescale_q(stream.duration, stream.time_base, framePeriod);
     if (container.duration > 0)
-        return av_rescale_q(container.duration, AV_TIME_BASE_Q, framePeriod);
+        return av_rescale_q(container.duration, av_get_time_base_q(), framePeriod);
     return 0;
 }
 

@@ -24,6 +24,8 @@ forbid src/common "common is below everything" engine/ frameproc/ findTransform/
 forbid src/frameproc "stages know neither the engine nor each other" engine/ findTransform/ stabilization/
 forbid src/findTransform "stages know neither the engine nor each other" engine/ frameproc/ stabilization/
 forbid src/stabilization "stages know neither the engine nor each other" engine/ frameproc/ findTransform/
+forbid refine "the path is refined beside the engine, on any host" engine/ frameproc/ findTransform/ stabilization/ common/ \
+    orbitwalk/Engine.h media/ MP4Writer.h OrbitwalkPlatform.h android/ opencv2/videoio opencv2/highgui opencv2/imgcodecs
 forbid src "the engine does not know its hosts" media/ opencv2/videoio opencv2/highgui opencv2/imgcodecs
 forbid tool "the tool is a client, never an insider" engine/ frameproc/ findTransform/ opencv2/videoio opencv2/highgui
 while IFS= read -r file; do

@@ -8,8 +8,9 @@
 
 namespace orbitwalk::platform {
 
-/// Where the lines go: stderr, or a file that is appended to and flushed with every line. A file
-/// that cannot be written is said once on stderr; its lines are dropped. Any thread.
+/// Where the lines go: stderr, or a file that is appended to and written with every line. A file
+/// that cannot be written, such as a pipe without a reader, is said once on stderr; its lines are
+/// dropped. Any thread.
 class LogFile {
   public:
     /// @param path  null or empty for stderr

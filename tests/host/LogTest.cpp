@@ -2,6 +2,7 @@
 #include <android/log.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <set>
 
@@ -78,8 +79,10 @@ TEST_F(LogFile, LinesOfSeveralThreadsStayWhole) {
 }
 
 TEST_F(LogFile, ThatCannotBeWrittenIsSaidOnce) {
-    for (const char* file : {"/dev/full", "/proc/nowhere/log"})
-        EXPECT_THAT(probe(std::string("ORBITWALK_LOG_LEVEL=verbose ORBITWALK_LOG_FILE=") + file),
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    for (const std::string& file :
+         {std::string("/dev/full"), std::string("/proc/nowhere/log"), path})
+        EXPECT_THAT(probe("ORBITWALK_LOG_LEVEL=verbose ORBITWALK_LOG_FILE=" + file),
                     ElementsAre(HasSubstr(file)));
 }
 

@@ -4,7 +4,7 @@ packages_build=(
     g++ cmake ninja-build pkg-config git
     libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev libopencv-imgcodecs-dev
     libopencv-calib3d-dev
-    libavcodec-dev libavformat-dev libavutil-dev libswscale-dev
+    libavcodec-dev libavfilter-dev libavformat-dev libavutil-dev libswscale-dev
     libspdlog-dev libcli11-dev nlohmann-json3-dev libtbb-dev libeigen3-dev
     npm
 )

@@ -1,5 +1,6 @@
 #include "media/StreamFacts.h"
 
+#include <algorithm>
 #include <cmath>
 
 extern "C" {
@@ -39,6 +40,21 @@ int rotationDegreesOf(const AVStream& stream) {
         return 0;
     const int quarters = static_cast<int>(std::lround(-counterClockwise / 90));
     return ((quarters % 4) + 4) % 4 * 90;
+}
+
+double pixelAspectOf(const AVFormatContext& container, const AVStream& stream,
+                     const AVFrame& picture) {
+    // Neither the container nor its streams nor the picture are changed.
+    const AVRational ratio = av_guess_sample_aspect_ratio(const_cast<AVFormatContext*>(&container),
+                                                          const_cast<AVStream*>(&stream),
+                                                          const_cast<AVFrame*>(&picture));
+    return ratio.num > 0 && ratio.den > 0 ? av_q2d(ratio) : 1;
+}
+
+bool hasAudio(const AVFormatContext& container) {
+    return std::any_of(
+        container.streams, container.streams + container.nb_streams,
+        [](const AVStream* stream) { return stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO; });
 }
 
 }  // namespace orbitwalk::media

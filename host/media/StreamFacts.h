@@ -16,4 +16,11 @@ std::int64_t expectedFramesOf(const AVFormatContext& container, const AVStream& 
 /// By how much a player turns the picture, clockwise, to the nearest of 0, 90, 180 and 270 degrees.
 int rotationDegreesOf(const AVStream& stream);
 
+/// Width of a pixel over its height, by the container's word or else the picture's; 1 when neither
+/// says.
+double pixelAspectOf(const AVFormatContext& container, const AVStream& stream,
+                     const AVFrame& picture);
+
+bool hasAudio(const AVFormatContext& container);
+
 }  // namespace orbitwalk::media

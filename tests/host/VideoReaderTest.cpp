@@ -2,9 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <numeric>
+#include <thread>
 
 #include "Clips.h"
 #include "media/AvSupport.h"
+#include "media/ToneMapper.h"
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
 
@@ -78,37 +83,159 @@ void writeClip(const std::filesystem::path& file, int frames, bool fragmented = 
                              [](int i) { return clips::movingWaves(64, 48, i); });
 }
 
-/// Copies a clip's packets with other presentation times, in milliseconds.
-void retime(const std::filesystem::path& from, const std::filesystem::path& to,
+/// Copies a clip's packets into another container, with other presentation times in the unit.
+void retime(const std::filesystem::path& from, const std::filesystem::path& to, AVRational unit,
             const std::vector<int>& times) {
     AVFormatContext* source = nullptr;
     ASSERT_EQ(avformat_open_input(&source, from.c_str(), nullptr, nullptr), 0);
     const InputPtr input(source);
+    ASSERT_GE(avformat_find_stream_info(source, nullptr), 0);
     AVFormatContext* target = nullptr;
-    avformat_alloc_output_context2(&target, nullptr, "matroska", to.c_str());
+    avformat_alloc_output_context2(&target, nullptr, nullptr, to.c_str());
     const OutputPtr output(target);
     ASSERT_EQ(avio_open(&target->pb, to.c_str(), AVIO_FLAG_WRITE), 0);
     AVStream* track = avformat_new_stream(target, nullptr);
     avcodec_parameters_copy(track->codecpar, source->streams[0]->codecpar);
+    track->codecpar->codec_tag = 0;
+    track->time_base = unit;
     ASSERT_GE(avformat_write_header(target, nullptr), 0);
     const auto packet = makePacket();
     for (const int time : times) {
         ASSERT_EQ(av_read_frame(source, packet.get()), 0);
-        packet->pts = packet->dts = time;
-        av_write_frame(target, packet.get());
+        packet->pts = packet->dts = av_rescale_q(time, unit, track->time_base);
+        packet->duration = 0;
+        ASSERT_GE(av_write_frame(target, packet.get()), 0);
         av_packet_unref(packet.get());
     }
     av_write_trailer(target);
     avio_closep(&target->pb);
 }
 
-TEST(VideoReader, NeitherDuplicatesNorDropsAtUnevenTimestamps) {
+constexpr AVRational kMilliseconds{1, 1000};
+
+std::vector<Frame> readAll(VideoReader& reader) {
+    std::vector<Frame> frames;
+    for (Frame frame; reader.read(frame);)
+        frames.push_back(frame);
+    return frames;
+}
+
+TEST(VideoReader, TakesFramesByTheirTimestampsWithoutDuplicatingOrDroppingAny) {
+    using std::chrono::milliseconds;
     const TestDirectory dir;
     // Fragmented: no pictures out of order, so the order of the file is that of presentation.
-    writeClip(dir / "even.mp4", 8, true);
-    retime(dir / "even.mp4", dir / "uneven.mkv", {0, 1, 2, 300, 333, 900, 901, 4000});
-    EXPECT_EQ(test_support::readVideo(dir / "uneven.mkv"),
-              test_support::readVideo(dir / "even.mp4"));
+    writeClip(dir / "even.mp4", 9, true);
+    const auto frames = test_support::readVideo(dir / "even.mp4");
+    retime(dir / "even.mp4", dir / "uneven.mkv", kMilliseconds,
+           {100, 101, 102, 400, 433, 1000, 1001, 4100, 8100});
+    const struct {
+        milliseconds start;
+        std::optional<milliseconds> duration;
+        std::size_t first, count;
+    } cases[] = {{milliseconds(0), {}, 0, 9},
+                 {milliseconds(1), {}, 1, 8},
+                 {milliseconds(300), milliseconds(600), 3, 2},
+                 {milliseconds(334), milliseconds(567), 5, 1},
+                 {milliseconds(6000), milliseconds(9000), 8, 1},
+                 {milliseconds(8001), {}, 9, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.start.count());
+        VideoReader reader(dir / "uneven.mkv", {.start = c.start, .duration = c.duration});
+        const auto at = frames.begin() + static_cast<std::ptrdiff_t>(c.first);
+        EXPECT_EQ(readAll(reader), std::vector(at, at + static_cast<std::ptrdiff_t>(c.count)));
+        EXPECT_TRUE(reader.completeness().isComplete());
+        EXPECT_EQ(reader.variableRate().has_value(), c.count > 2);
+    }
+    VideoReader reader(dir / "uneven.mkv");
+    readAll(reader);
+    EXPECT_NEAR(reader.variableRate()->slowest, 0.25, 0.001);
+    EXPECT_NEAR(reader.variableRate()->fastest, 1000, 0.001);
+}
+
+TEST(VideoReader, TellsWhatACutOrDamagedFileLacks) {
+    const TestDirectory dir;
+    writeClip(dir / "whole.mp4", 30, true);
+    std::vector<int> times(30);
+    std::iota(times.begin(), times.end(), 0);
+    retime(dir / "whole.mp4", dir / "whole.mkv", {1, 30}, times);
+    retime(dir / "whole.mp4", dir / "none.h264", {1, 30}, times);
+    retime(dir / "none.h264", dir / "count.avi", {1, 30}, times);
+    // A recorder that writes the number of frames beforehand gets it wrong.
+    std::string avi = test_support::contentOf(dir / "count.avi");
+    const std::size_t length = avi.find("strh") + 8 + 32;
+    ASSERT_EQ(avi.at(length), 30);
+    avi[length] = 99;
+    test_support::writeFile(dir / "count.avi", avi);
+    for (const char* whole : {"whole.mp4", "whole.mkv", "count.avi", "none.h264"}) {
+        VideoReader reader(dir / whole);
+        EXPECT_EQ(readAll(reader).size(), 30u);
+        EXPECT_TRUE(reader.completeness().isComplete()) << whole;
+    }
+    for (const char* cut : {"whole.mp4", "whole.mkv"}) {
+        SCOPED_TRACE(cut);
+        const std::string bytes = test_support::contentOf(dir / cut);
+        test_support::writeFile(dir / cut, bytes.substr(0, bytes.size() / 2));
+        VideoReader reader(dir / cut);
+        const auto frames = readAll(reader);
+        const Completeness found = reader.completeness();
+        EXPECT_EQ(found.read, static_cast<std::int64_t>(frames.size()));
+        EXPECT_LT(found.read, found.expected);
+        EXPECT_FALSE(found.isComplete());
+    }
+    VideoReader reader(dir / "whole.mkv");
+    readAll(reader);
+    EXPECT_NEAR(static_cast<double>(reader.completeness().expected), 30, 1) << "by its duration";
+}
+
+TEST(VideoReader, WaitsForAPipeUntilItIsInterrupted) {
+    const TestDirectory dir;
+    ASSERT_EQ(mkfifo((dir / "pipe").c_str(), 0600), 0);
+    int asked = 0;
+    EXPECT_THROW(VideoReader(dir / "pipe", {.interrupted = [&] { return ++asked > 2; }}),
+                 MediaError);
+    std::thread writer(
+        [&] { test_support::writeFile(dir / "pipe", y4m("W4 H2 F25:1 C420jpeg", Frame(12, 50))); });
+    VideoReader reader(dir / "pipe");
+    EXPECT_EQ(readAll(reader), std::vector<Frame>(1, Frame(12, 50)));
+    writer.join();
+}
+
+/// A grey picture of 10 bits in BT.2020's primaries, one level from top to bottom.
+FramePtr greyPicture(AVColorTransferCharacteristic transfer, int level) {
+    FramePtr picture = makeFrame();
+    picture->format = AV_PIX_FMT_YUV420P10;
+    picture->width = picture->height = 32;
+    picture->color_primaries = AVCOL_PRI_BT2020;
+    picture->color_trc = transfer;
+    picture->color_range = AVCOL_RANGE_MPEG;
+    av_frame_get_buffer(picture.get(), 0);
+    for (int plane = 0; plane < 3; ++plane)
+        for (int y = 0; y < (plane == 0 ? 32 : 16); ++y)
+            std::fill_n(reinterpret_cast<std::uint16_t*>(picture->data[plane] +
+                                                         y * picture->linesize[plane]),
+                        plane == 0 ? 32 : 16, static_cast<std::uint16_t>(plane == 0 ? level : 512));
+    return picture;
+}
+
+TEST(ToneMapper, KeepsGreyBlackAndThePeak) {
+    const struct {
+        AVColorTransferCharacteristic transfer;
+        int level, luma;
+    } cases[] = {// Grey is the same in both gamuts, and the curve of an ordinary video stays.
+                 {AVCOL_TRC_BT709, 4 * 100, 100},   {AVCOL_TRC_BT2020_10, 4 * 200, 200},
+                 {AVCOL_TRC_SMPTE2084, 64, 16},  // 1000 cd/m2.
+                 {AVCOL_TRC_SMPTE2084, 723, 235},   {AVCOL_TRC_ARIB_STD_B67, 64, 16},
+                 {AVCOL_TRC_ARIB_STD_B67, 940, 235}};
+    for (const auto& c : cases) {
+        const FramePtr picture = greyPicture(c.transfer, c.level);
+        ASSERT_TRUE(isWideColour(*picture));
+        ToneMapper mapper;
+        const AVFrame& mapped = mapper.map(*picture);
+        EXPECT_EQ(mapped.format, AV_PIX_FMT_YUV420P);
+        EXPECT_NEAR(mapped.data[0][0], c.luma, 2) << c.transfer;
+        EXPECT_NEAR(mapped.data[1][0], 128, 1) << c.transfer;
+        EXPECT_NEAR(mapped.data[2][0], 128, 1) << c.transfer;
+    }
 }
 
 TEST(VideoReader, TellsTheDisplayRotationClockwise) {

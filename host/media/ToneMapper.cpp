@@ -1,0 +1,110 @@
+#include "media/ToneMapper.h"
+
+#include <cstdio>
+#include <string>
+
+#include "media/AvSupport.h"
+#include "media/MediaTypes.h"
+
+extern "C" {
+#include <libavfilter/avfilter.h>
+#include <libavfilter/buffersink.h>
+#include <libavfilter/buffersrc.h>
+}
+
+namespace orbitwalk::media {
+
+namespace {
+
+bool isHighDynamicRange(const AVFrame& picture) {
+    return picture.color_trc == AVCOL_TRC_SMPTE2084 || picture.color_trc == AVCOL_TRC_ARIB_STD_B67;
+}
+
+bool isWideGamut(const AVFrame& picture) {
+    return picture.color_primaries == AVCOL_PRI_BT2020 ||
+           picture.colorspace == AVCOL_SPC_BT2020_NCL || picture.colorspace == AVCOL_SPC_BT2020_CL;
+}
+
+/// What such videos leave unsaid; the filters do not guess.
+void completeColours(AVFrame& picture) {
+    if (picture.color_primaries == AVCOL_PRI_UNSPECIFIED)
+        picture.color_primaries = AVCOL_PRI_BT2020;
+    if (picture.colorspace == AVCOL_SPC_UNSPECIFIED)
+        picture.colorspace = AVCOL_SPC_BT2020_NCL;
+    if (picture.color_trc == AVCOL_TRC_UNSPECIFIED)
+        picture.color_trc = AVCOL_TRC_BT709;
+}
+
+std::string filtersFor(const AVFrame& picture) {
+    // Curves are applied to linear light; white of an ordinary video stands at 100 cd/m2.
+    const std::string compress =
+        isHighDynamicRange(picture)
+            ? "zscale=t=linear:npl=100,format=gbrpf32le,zscale=p=bt709,tonemap=hable:desat=0,"
+            : "";
+    const std::string matrix = isHighDefinition(picture.width, picture.height) ? "709" : "170m";
+    return compress + "zscale=p=bt709:t=bt709:m=" + matrix + ":r=tv,format=yuv420p";
+}
+
+[[noreturn]] void fail(int result) {
+    throw MediaError("its colours (HDR or BT.2020) cannot be converted: " + avErrorText(result));
+}
+
+void check(int result) {
+    if (result < 0)
+        fail(result);
+}
+
+/// Ends of a chain of filters, owned by the graph once it is parsed.
+struct Ends {
+    AVFilterInOut* in = avfilter_inout_alloc();
+    AVFilterInOut* out = avfilter_inout_alloc();
+    ~Ends() {
+        avfilter_inout_free(&in);
+        avfilter_inout_free(&out);
+    }
+};
+
+}  // namespace
+
+bool isWideColour(const AVFrame& picture) {
+    return isHighDynamicRange(picture) || isWideGamut(picture);
+}
+
+ToneMapper::~ToneMapper() {
+    avfilter_graph_free(&mGraph);
+}
+
+const AVFrame& ToneMapper::map(const AVFrame& picture) {
+    mInput = makeFrame();
+    check(av_frame_ref(mInput.get(), &picture));
+    completeColours(*mInput);
+    if (!mGraph)
+        prepare(*mInput);
+    check(av_buffersrc_add_frame(mSource, mInput.get()));
+    mMapped = makeFrame();
+    check(av_buffersink_get_frame(mSink, mMapped.get()));
+    return *mMapped;
+}
+
+void ToneMapper::prepare(const AVFrame& picture) {
+    mGraph = avfilter_graph_alloc();
+    Ends ends;
+    if (!mGraph || !ends.in || !ends.out)
+        fail(AVERROR(ENOMEM));
+    char format[128];
+    std::snprintf(format, sizeof format,
+                  "video_size=%dx%d:pix_fmt=%d:time_base=1/1:pixel_aspect=1/1", picture.width,
+                  picture.height, picture.format);
+    check(avfilter_graph_create_filter(&mSource, avfilter_get_by_name("buffer"), "in", format,
+                                       nullptr, mGraph));
+    check(avfilter_graph_create_filter(&mSink, avfilter_get_by_name("buffersink"), "out", nullptr,
+                                       nullptr, mGraph));
+    // Named as the chain of filters sees them: what comes out of the source is its input.
+    *ends.out = {av_strdup("in"), mSource, 0, nullptr};
+    *ends.in = {av_strdup("out"), mSink, 0, nullptr};
+    check(avfilter_graph_parse_ptr(mGraph, filtersFor(picture).c_str(), &ends.in, &ends.out,
+                                   nullptr));
+    check(avfilter_graph_config(mGraph, nullptr));
+}
+
+}  // namespace orbitwalk::media

@@ -44,8 +44,7 @@ std::vector<std::uint8_t> sceneFrame(int width, int height, double x, double y) 
 std::vector<orbitwalk::tool::SweepRow> AnalyticSweep::measuredPath() {
     std::vector<orbitwalk::tool::SweepRow> rows;
     for (int i = 0; i < frames; ++i)
-        rows.push_back(
-            {static_cast<float>(-left(i)), static_cast<float>(-top(i)), 0, i != 4, false});
+        rows.push_back({{-left(i), -top(i), 0}, i != 4, false});
     return rows;
 }
 
@@ -74,16 +73,9 @@ void AnalyticSweep::write(const std::filesystem::path& directory) const {
     std::filesystem::create_directories(directory);
     writeVideo(directory / "sweep.mp4", frames);
     writeRecord(directory / "sweep.obw", record());
-    std::ofstream csv(directory / "sweep.csv");
-    csv << "frame,x,y,a,flag,repeated\n";
-    for (int i = 0; i < frames; ++i)
-        csv << i << ',' << -left(i) << ',' << -top(i) << ",0," << (i != 4) << ",0\n";
-}
-
-void AnalyticSweep::writeJoltedPath(const std::filesystem::path& file) const {
     constexpr int jolt[frames][2] = {{0, 0},   {23, 9},  {-16, 5}, {-19, -16}, {0, 0},
                                      {-5, -9}, {8, -20}, {28, 2},  {12, 10},   {0, -11}};
-    std::ofstream csv(file);
+    std::ofstream csv(directory / "sweep.csv");
     csv << "frame,x,y,a,flag,repeated\n";
     for (int i = 0; i < frames; ++i)
         csv << i << ',' << -8 * i - jolt[i][0] << ',' << -i - jolt[i][1] << ",0.00" << i % 3 << ','

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "orbitwalk/MetaData.h"
-#include "sweep/SweepTable.h"
+#include "sweep/SweepCsv.h"
 
 /// A scene that is a smooth function of the place, and a sweep across it: everything that a
 /// renderer makes of it can be told by evaluating the function.
@@ -41,12 +41,11 @@ struct AnalyticSweep {
     /// As the motion finder measures it: the picture goes against the camera.
     static std::vector<orbitwalk::tool::SweepRow> measuredPath();
     __kelOBWKDXMetaData record() const;
-    /// Writes sweep.mp4, sweep.obw and sweep.csv into a directory, which is made.
+    /// Writes sweep.mp4, sweep.obw and a sweep.csv into a directory, which is made. The path is
+    /// one with the record's flags whose smoothing leaves the record's crop, which measuredPath
+    /// does not: the corrections are no smoothing's. The motions of the frames 3 and 8 are
+    /// repeated.
     void write(const std::filesystem::path& directory) const;
-    /// Writes a sweep.csv with the record's flags whose smoothing leaves the record's crop, which
-    /// the path of the sweep itself does not: its corrections are no smoothing's. The motions of
-    /// the frames 3 and 8 are repeated.
-    void writeJoltedPath(const std::filesystem::path& file) const;
     void writeRecord(const std::filesystem::path& file, const __kelOBWKDXMetaData& record) const;
     void writeVideo(const std::filesystem::path& file, int frameCount) const;
 };

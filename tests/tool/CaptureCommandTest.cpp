@@ -7,7 +7,7 @@
 
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
-#include "sweep/RecordFile.h"
+#include "sweep/Sweep.h"
 #include "tool/PanVideo.h"
 #include "tool/RunTool.h"
 

@@ -13,12 +13,12 @@
 #include "files/OutputFiles.h"
 #include "support/TestDirectory.h"
 #include "sweep/Summary.h"
-#include "sweep/SweepCsv.h"
 #include "terminal/ToolError.h"
 
 namespace {
 
 using namespace orbitwalk::tool;
+using orbitwalk::Trajectory;
 using Names = std::vector<std::string>;
 
 TEST(FrameList, ReadsNumbersAndRanges) {
@@ -30,14 +30,14 @@ TEST(FrameList, ReadsNumbersAndRanges) {
 }
 
 TEST(SweepDirection, IsAgainstThePictureMotionOfTheHeldDevice) {
-    constexpr PathPoint left{-100, 3, 0}, right{100, -3, 0}, up{3, -100, 0}, down{-3, 100, 0};
+    constexpr Trajectory left{-100, 3, 0}, right{100, -3, 0}, up{3, -100, 0}, down{-3, 100, 0};
     const struct {
         int orientation;
-        PathPoint leftToRight;
-        PathPoint rightToLeft;
+        Trajectory leftToRight;
+        Trajectory rightToLeft;
     } cases[] = {
         {0, left, right}, {90, up, down}, {180, right, left}, {270, down, up}, {360, left, right}};
-    constexpr PathPoint start{};
+    constexpr Trajectory start{};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.orientation);
         EXPECT_EQ(sweepDirection(start, c.leftToRight, c.orientation, false), 1);
@@ -65,13 +65,6 @@ TEST(RepeatedMotion, CountsFramesThatCouldNotBeMeasured) {
         repeated.takeLine(line);
     // 2 and 7 were said to lack points, 3 had an empty estimate, 6 stands still.
     EXPECT_EQ(repeated.frames(), (std::set{2, 3, 7}));
-}
-
-TEST(SweepCsv, KeepsEveryBitOfAFloat) {
-    const PathPoint path[] = {{0, 0, 0}, {-0.1f, 16777216.0f, 1e-7f}};
-    const std::int32_t flags[] = {1, 0};
-    EXPECT_EQ(sweepCsv(path, flags, {1}),
-              "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n1,-0.1,16777216,1e-07,0,1\n");
 }
 
 TEST(OutputFiles, PutFormerFilesBackWhenOneCannotBePlaced) {
@@ -108,13 +101,6 @@ TEST(EngineTempDirectory, RefusesAPathThatDoesNotFit) {
     EXPECT_THROW(EngineTempDirectory{}, ToolError);
     EXPECT_EQ(localTmpDir, formerEngine);
     setenv("TMPDIR", formerRoot.c_str(), 1);
-}
-
-TEST(Summary, WarnsWhenMoreThanATenthOfTheMotionsAreRepeated) {
-    EXPECT_FALSE(repeatedMotionWarning(5, 50));
-    const auto warning = repeatedMotionWarning(6, 50);
-    ASSERT_TRUE(warning);
-    EXPECT_NE(warning->find("6 of 50 frames"), std::string::npos);
 }
 
 TEST(Notes, AdviseWhereTheVideoIsMarkedAsTurned) {

@@ -24,16 +24,16 @@ class SessionTest : public testing::Test {
   protected:
     SessionTest() { fake_writer::reset(); }
 
-    PathPoint feed(Session& session, const std::vector<std::uint8_t>& frame) {
-        const PathPoint point = session.measure(frame);
+    orbitwalk::Trajectory feed(Session& session, const std::vector<std::uint8_t>& frame) {
+        const orbitwalk::Trajectory point = session.measure(frame);
         while (!session.waitForRoom(milliseconds(0)))
             fake_writer::waitForEntered(++mAwaited);
         session.feed(frame, point);
         return point;
     }
 
-    std::vector<PathPoint> feedAll(Session& session) {
-        std::vector<PathPoint> path;
+    std::vector<orbitwalk::Trajectory> feedAll(Session& session) {
+        std::vector<orbitwalk::Trajectory> path;
         for (const auto& frame : mFrames)
             path.push_back(feed(session, frame));
         return path;

@@ -3,14 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <string>
 
 #include "evaluate/PathError.h"
 #include "evaluate/SweepFacts.h"
 #include "support/SampleRecord.h"
-#include "support/TestDirectory.h"
-#include "sweep/TruthTable.h"
-#include "terminal/ToolError.h"
 
 using namespace orbitwalk;
 using namespace orbitwalk::tool;
@@ -19,17 +15,17 @@ namespace {
 
 constexpr double kTiny = 1e-4;  // The measured path is in floats.
 
-std::vector<TruthRow> line(double dx, double dy) {
-    std::vector<TruthRow> rows;
+std::vector<Trajectory> line(double dx, double dy) {
+    std::vector<Trajectory> rows;
     for (int k = 0; k < 5; ++k)
         rows.push_back({dx * k, dy * k, 0});
     return rows;
 }
 
-std::vector<SweepRow> rowsAt(const std::vector<TruthRow>& positions) {
+std::vector<SweepRow> rowsAt(const std::vector<Trajectory>& positions) {
     std::vector<SweepRow> rows;
-    for (const TruthRow& p : positions)
-        rows.push_back({float(p.x), float(p.y), float(p.a), 1, false});
+    for (const Trajectory& p : positions)
+        rows.push_back({p, 1, false});
     return rows;
 }
 
@@ -46,7 +42,7 @@ void moveRight(__kelOBWKDXMetaData& record, int pixels) {
 TEST(PathError, IgnoresWhereTheMeasuredPathBegins) {
     auto measured = rowsAt(line(-12, 0));
     for (SweepRow& row : measured)
-        row.x += 40;
+        row.position.x += 40;
     const PathError error = pathError(measured, line(-12, 0));
     EXPECT_NEAR(error.x.max, 0, kTiny);
     EXPECT_NEAR(error.travelled, 48, kTiny);
@@ -73,8 +69,8 @@ TEST(PathError, TellsAMotionMeasuredShortFromOneThatStraysAside) {
 
 TEST(PathError, GivesRmsAndMaximumOfPositionAndStep) {
     auto measured = rowsAt(line(10, 0));
-    measured[2].x += 4;  // Position errors 0 0 4 0 0, step errors 0 4 -4 0.
-    measured[4].a = float(std::numbers::pi / 180);
+    measured[2].position.x += 4;  // Position errors 0 0 4 0 0, step errors 0 4 -4 0.
+    measured[4].position.a = std::numbers::pi / 180;
     measured[1].repeated = true;
     const PathError error = pathError(measured, line(10, 0));
     EXPECT_NEAR(error.x.rms, 4 / std::sqrt(5), kTiny);
@@ -86,34 +82,8 @@ TEST(PathError, GivesRmsAndMaximumOfPositionAndStep) {
 }
 
 TEST(PathError, OfASingleFrameIsZero) {
-    const PathError error = pathError(rowsAt({{3, 4, 5}}), std::vector<TruthRow>{{1, 1, 1}});
+    const PathError error = pathError(rowsAt({{3, 4, 5}}), std::vector<Trajectory>{{1, 1, 1}});
     EXPECT_EQ(error.x.rms + error.stepX.rms + error.driftAlong + error.travelled, 0);
-}
-
-TEST(TruthTable, ReadsThePathAndRefusesWhatIsNone) {
-    const std::string header = "frame,dx,dy,da,x,y,a\n";
-    const auto rows = parseTruthTable(header + "0,0,0,0,0,0,0\r\n1,-2,1,1e-3,-2.5,1,0.001\n");
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(rows[1].x, -2.5);
-    EXPECT_EQ(rows[1].a, 0.001);
-    for (const char* bad : {"", "frame,x,y,a\n", "1,0,0,0,0,0,0\n", "0,0,0,0,0,0\n",
-                            "0,0,0,0,0,0,nan\n", "0,0,0,0,0,0,0,0\n", "0,0,0,0,0,0,x\n"}) {
-        const bool headless = std::string(bad).empty() || bad[0] == 'f';
-        EXPECT_THROW(parseTruthTable(headless ? bad : header + bad), ToolError) << bad;
-    }
-}
-
-TEST(TruthTable, MayGoOnWhereTheSweepIsFull) {
-    const test_support::TestDirectory directory;
-    const auto file = directory / "truth.csv";
-    std::string text = "frame,dx,dy,da,x,y,a\n";
-    for (int i = 0; i < OBW_MAX_FRAMES + 3; ++i)
-        text += std::to_string(i) + ",0,0,0," + std::to_string(i) + ",0,0\n";
-    test_support::writeFile(file, text);
-    const auto rows = readTruthTable(file, OBW_MAX_FRAMES);
-    ASSERT_EQ(rows.size(), 1000u);
-    EXPECT_EQ(rows.back().x, 999);
-    EXPECT_THROW(readTruthTable(file, OBW_MAX_FRAMES - 1), ToolError);
 }
 
 TEST(SweepFacts, CountsWhatTheCropShowsOutsideTheFrame) {

@@ -20,7 +20,9 @@ Sweep writtenSweep(const test_support::TestDirectory& directory, bool flipped = 
     record.frontCameraFlipped = flipped;
     sweep.write(directory / "sweep");
     sweep.writeRecord(directory / "sweep" / "sweep.obw", record);
-    return openSweep(directory / "sweep");
+    Sweep opened = openSweep(directory / "sweep");
+    opened.path = AnalyticSweep::measuredPath();
+    return opened;
 }
 
 // The corrections put frame i at (8 i, i); border frames reach 16 px to both sides.
@@ -39,9 +41,8 @@ TEST(PanoramaLayout, LaysPicturesAlongTheSmoothedPath) {
 }
 
 TEST(PanoramaLayout, ChainsRotationsAndOffsets) {
-    const float quarter = static_cast<float>(CV_PI / 2);
-    const SweepRow rows[] = {
-        {0, 0, 0, 1, false}, {10, 0, quarter, 1, false}, {10, 5, quarter, 1, false}};
+    const double quarter = CV_PI / 2;
+    const SweepRow rows[] = {{}, {{10, 0, quarter}}, {{10, 5, quarter}}};
     const PicturePoint p = framesFromScene(rows)[2]({3, 1});
     EXPECT_NEAR(p.x, 9, 1e-6);  // (3, 1) turned is (-1, 3), then moved by (10, 0) and (0, 5).
     EXPECT_NEAR(p.y, 8, 1e-6);
@@ -52,11 +53,11 @@ TEST(PanoramaLayout, ScalesALongSweepDownAndRefusesAnAbsurdOne) {
     const Sweep sweep = writtenSweep(directory);
     const auto shots = playlist(sweep.record, false);
     auto path = AnalyticSweep::measuredPath();
-    path.back().x = -40000;
+    path.back().position.x = -40000;
     const auto layout = layOut(sweep.record, shots, path);
     EXPECT_EQ(layout.canvas.width, 16384);
     EXPECT_EQ(layout.placements.back().bounds.br().x, 16384);
-    path.back().x = -1e6;
+    path.back().position.x = -1e6;
     EXPECT_THROW(layOut(sweep.record, shots, path), ToolError);
 }
 

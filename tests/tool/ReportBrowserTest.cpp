@@ -71,7 +71,6 @@ class ReportInBrowser : public testing::Test {
   protected:
     ReportInBrowser() {
         sweep.write(directory / "sweep");
-        sweep.writeJoltedPath(directory / "sweep" / "sweep.csv");
         writeSummary();
     }
 
@@ -83,6 +82,7 @@ class ReportInBrowser : public testing::Test {
         summary.frames = AnalyticSweep::frames;
         summary.seconds.decode = 0.25;
         summary.seconds.total = 0.5;
+        summary.checksums = checksumsOf(orbitwalk::tool::SweepFiles(directory / "sweep"));
         writeFile(directory / "sweep" / "sweep.json", orbitwalk::tool::toJsonText(summary));
     }
 

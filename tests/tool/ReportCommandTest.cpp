@@ -12,13 +12,11 @@ namespace test_support {
 namespace {
 
 namespace fs = std::filesystem;
+using orbitwalk::tool::sweepCsv;
 
 class ReportCommand : public testing::Test {
   protected:
-    ReportCommand() {
-        sweep.write(input);
-        sweep.writeJoltedPath(input / "sweep.csv");
-    }
+    ReportCommand() { sweep.write(input); }
 
     ToolRun report(const std::string& output, std::optional<long> fileSizeLimit = {}) const {
         RunOptions options = usingPictureCodecs();
@@ -62,7 +60,8 @@ TEST_F(ReportCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
         {[&] { writeFile(input / "sweep.csv", ""); }, page, "its first line is not frame,x"},
         {[&] { writeFile(input / "sweep.csv", pathOf("0,0,0,1,0")); }, page,
          "sweep.csv is of another sweep: the flag of frame 4 is 1, the record says 0"},
-        {[&] { sweep.write(input); }, page, "sweep.csv is of another sweep: its path leads to"},
+        {[&] { writeFile(input / "sweep.csv", sweepCsv(AnalyticSweep::measuredPath())); }, page,
+         "sweep.csv is of another sweep: its path leads to"},
         {[&] { writeFile(input / "sweep.json", ""); }, page, "sweep.json: no summary of a capture"},
         {[&] { fs::remove(input / "sweep.csv"); }, page, "sweep.csv: No such file"},
         {[&] { writeFile(input / "sweep.json", "{\"video\": 3}\n"); }, page,

@@ -6,7 +6,6 @@
 #include "report/ReportData.h"
 #include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
-#include "sweep/SavedSummary.h"
 #include "terminal/ToolError.h"
 #include "tool/AnalyticSweep.h"
 
@@ -21,7 +20,7 @@ using testing::IsNan;
 std::vector<SweepRow> measuredPath() {
     auto rows = AnalyticSweep::measuredPath();
     for (std::size_t i = 0; i < rows.size(); ++i)
-        rows[i].a = 0.25f * static_cast<float>(i);
+        rows[i].position.a = 0.25 * static_cast<double>(i);
     rows[7].repeated = true;
     return rows;
 }
@@ -79,7 +78,7 @@ TEST(ReportData, MeasuresRoomAndCorrectionOfATurnedFrame) {
     constexpr std::int32_t matrix[] = {800000, -600000,  0,       600000, 800000,
                                        0,      -5600000, 9200000, 1000000};
     std::ranges::copy(matrix, raw.renderMat[0]);
-    const ReportData data = reportData(opened(raw), std::vector<SweepRow>{{0, 0, 0, 1, false}}, {});
+    const ReportData data = reportData(opened(raw), std::vector<SweepRow>{{{}, 1, false}}, {});
     EXPECT_NEAR(data.correction.angle[0], 36.8699, 1e-4);
     EXPECT_NEAR(data.correction.x[0], 305.9 - 639.5, 1e-9);
     EXPECT_NEAR(data.correction.y[0], 667.3 - 359.5, 1e-9);
@@ -90,10 +89,10 @@ TEST(ReportData, MeasuresRoomAndCorrectionOfATurnedFrame) {
 }
 
 TEST(ReportData, TellsWhichFeedbackStepPassed) {
-    const auto stepOf = [](float shake) {
+    const auto stepOf = [](double shake) {
         std::vector<SweepRow> rows(10);
         for (int i = 0; i < 10; ++i)
-            rows[i] = {i % 2 ? shake : -shake, 0, 0, 1, i > 1};
+            rows[i] = {{i % 2 ? shake : -shake, 0, 0}, 1, i > 1};
         return reportData(opened(AnalyticSweep().record()), rows, {});
     };
     const ReportData still = stepOf(0);
@@ -101,31 +100,6 @@ TEST(ReportData, TellsWhichFeedbackStepPassed) {
     EXPECT_EQ(still.smoothed.x[9], 0);
     EXPECT_THAT(still.repeatedWarning, testing::Optional(testing::HasSubstr("8 of 10 frames")));
     EXPECT_FALSE(stepOf(300).feedbackStep);
-}
-
-SavedSummary summaryOf(int frames, int width) {
-    SavedSummary summary;
-    summary.frames = frames;
-    summary.width = width;
-    summary.height = AnalyticSweep::height;
-    return summary;
-}
-
-TEST(ReportData, RefusesTheSummaryOfAnotherSweep) {
-    const RecordReader record = opened(AnalyticSweep().record());
-    EXPECT_TRUE(reportData(record, measuredPath(), summaryOf(10, 320)).capture);
-    for (const auto& other : {summaryOf(9, 320), summaryOf(10, 322)})
-        EXPECT_THROW(reportData(record, measuredPath(), other), ToolError);
-}
-
-TEST(SavedSummary, IsNotThereOrWhole) {
-    const test_support::TestDirectory directory;
-    EXPECT_FALSE(readSavedSummary(directory / "sweep.json"));
-    for (
-        const char* text :
-        {"", "{", "[]", "{}", R"({"video": "a", "width": 1, "height": 1, "frames": "many"})",
-         R"({"video": "a", "width": 1, "height": 1, "frames": 1, "truncated": false, "seconds": {"decode": -1}})"})
-        EXPECT_THROW(parseSavedSummary(text), ToolError) << text;
 }
 
 }  // namespace

@@ -44,9 +44,11 @@ TEST(ReportJson, RoundsValuesAndLeavesMissingOnesOut) {
 
 TEST(ReportJson, MayStandInsideAScriptElement) {
     const std::string hostile = "</script><!--<script> \" \\ ]]> & \xc3\xa9";
-    const std::string text = reportJson(smallData(hostile), {});
+    ReportData data = smallData("a.mp4");
+    data.direction = hostile;
+    const std::string text = reportJson(data, {});
     EXPECT_EQ(text.find('<'), std::string::npos);
-    EXPECT_EQ(nlohmann::json::parse(text).at("capture").at("video"), hostile);
+    EXPECT_EQ(nlohmann::json::parse(text).at("direction"), hostile);
     EXPECT_NO_THROW(nlohmann::json::parse(reportJson(smallData("no UTF-8: \xff"), {})));
 }
 

@@ -5,9 +5,10 @@
 #include <regex>
 #include <string>
 
-#include "simulate/CameraPath.h"
+#include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/ColourPlanes.h"
 #include "simulate/ScenePlacement.h"
+#include "simulate/ShakyPath.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -44,7 +45,8 @@ TEST(ScenePlacement, KeepsEveryFrameInsideThePhotograph) {
         for (const CameraPose& pose : cameraPath(settings))
             for (const cv::Point2d corner :
                  {cv::Point2d(-159.5, -119.5), {159.5, -119.5}, {-159.5, 119.5}, {159.5, 119.5}}) {
-                const cv::Point2d scene = cv::Point2d(pose.x, pose.y) + rotated(corner, pose.roll);
+                const cv::Point2d scene =
+                    cv::Point2d(pose.x, pose.y) + toCv(rotated(fromCv(corner), pose.a));
                 const cv::Point2d p = placement.origin + placement.scale * scene;
                 // Three sigmas of the lens and the filter's eight samples stay inside as well.
                 const double border = 8 + 3 * placement.scale * settings.softness;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
+#include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/Resampler.h"
 #include "simulate/TexturedScene.h"
 
@@ -33,11 +34,12 @@ cv::Mat1b luma(Frame& frame, FrameSize size) {
 }
 
 cv::Mat1f carried(const cv::Mat1f& previous, const cv::Vec3d& motion) {
-    const cv::Point2d o = measuringOrigin({previous.cols, previous.rows});
+    const PicturePoint o = measuringOrigin({previous.cols, previous.rows});
     const double back = -motion[2];
-    const cv::Point2d start = rotated(-o - cv::Point2d(motion[0], motion[1]), back) + o;
+    const PicturePoint start = rotated({-o.x - motion[0], -o.y - motion[1]}, back) + o;
     cv::Mat1f picture(previous.size());
-    resample(previous, {start, rotated({1, 0}, back), rotated({0, 1}, back)}, picture);
+    resample(previous, {toCv(start), toCv(rotated({1, 0}, back)), toCv(rotated({0, 1}, back))},
+             picture);
     return picture;
 }
 
@@ -73,7 +75,7 @@ void expectPictureMovesByTruth(const SimulationSettings& settings, const cv::Mat
         cv::Mat1f previous, current;
         luma(before, settings.size).convertTo(previous, CV_32F);
         luma(after, settings.size).convertTo(current, CV_32F);
-        const PictureMotion truth = simulation.truth()[k].step;
+        const Trajectory truth = simulation.truth()[k].step;
         const cv::Vec3d guess(truth.x + 0.3, truth.y - 0.3, truth.a + 0.002);
         const cv::Vec3d found = measuredMotion(previous, current, guess);
         EXPECT_NEAR(found[0], truth.x, 0.004) << "frame " << k;

@@ -8,6 +8,7 @@
 #include "capture/Session.h"
 #include "capture/StageTimer.h"
 #include "files/OutputFiles.h"
+#include "sweep/Checksum.h"
 #include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
 #include "terminal/ProgressBar.h"
@@ -34,7 +35,7 @@ void requireFrame(const char* option, int frame, int frames) {
                         ": the sweep has the frames 0 to " + std::to_string(frames - 1));
 }
 
-SweepSelection select(const CaptureOptions& options, const std::vector<PathPoint>& path) {
+SweepSelection select(const CaptureOptions& options, const std::vector<Trajectory>& path) {
     const int frames = static_cast<int>(path.size());
     SweepSelection selection{.first = options.first.value_or(0),
                              .last = options.last.value_or(frames - 1),
@@ -53,6 +54,20 @@ SweepSelection select(const CaptureOptions& options, const std::vector<PathPoint
         sweepDirection(path[selection.first], path[selection.last], options.orientation.value_or(0),
                        options.frontCameraFlipped));
     return selection;
+}
+
+std::vector<SweepRow> rowsOf(const std::vector<Trajectory>& path,
+                             const std::vector<std::int32_t>& flags,
+                             const std::set<int>& repeated) {
+    std::vector<SweepRow> rows;
+    for (int i = 0; i < std::ssize(path); ++i)
+        rows.push_back({path[i], flags[i], repeated.contains(i)});
+    return rows;
+}
+
+/// What the summary says of the files beside it. @param mp4  complete.
+SweepChecksums checksumsOf(std::FILE* mp4, std::span<const char> record, const std::string& csv) {
+    return {sha256OfStream(mp4), sha256(record), sha256(csv)};
 }
 
 void fillPostProcessing(StageSeconds& seconds, const Session& session) {
@@ -75,6 +90,7 @@ void fillFromRecord(Summary& summary, const __kelOBWKDXMetaData& record) {
 void fillFromVideo(Summary& summary, const CaptureOptions& options,
                    const media::VideoReader& video) {
     summary.video = options.video;
+    summary.source = identityOf(options.video);
     const media::FrameRate rate = video.frameRate();
     summary.videoRate = static_cast<double>(rate.numerator) / rate.denominator;
     summary.unheededRotation = options.orientation ? 0 : video.rotationDegrees();
@@ -93,20 +109,24 @@ Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& 
 Summary runSession(const CaptureOptions& options, media::VideoReader& video, OutputFiles& outputs,
                    const SignalGuard& signals) {
     Summary summary;
+    std::FILE* const mp4 = outputs.create(kSweepVideoName);
     Session session({.width = video.width(),
                      .height = video.height(),
                      .orientation = options.orientation.value_or(0),
                      .frontCameraFlipped = options.frontCameraFlipped,
                      .mp4Name = options.directory / kSweepVideoName},
-                    outputs.create(kSweepVideoName));
+                    mp4);
     const Feed feed = feedAll(options, video, session, signals, summary.seconds);
     const SweepSelection selection = select(options, feed.path);
     ProgressBar bar("finishing", 100);
     const auto& record =
         session.finish(feed.path, selection, [&](int percent) { bar.update(percent); });
     const std::set<int> repeated = session.repeatedFrames();
-    outputs.write(kSweepRecordName, {reinterpret_cast<const char*>(&record), sizeof record});
-    outputs.write(kSweepPathName, sweepCsv(feed.path, selection.flags, repeated));
+    const std::span recordBytes(reinterpret_cast<const char*>(&record), sizeof record);
+    const std::string csv = sweepCsv(rowsOf(feed.path, selection.flags, repeated));
+    outputs.write(kSweepRecordName, recordBytes);
+    outputs.write(kSweepPathName, csv);
+    summary.checksums = checksumsOf(mp4, recordBytes, csv);
 
     fillFromVideo(summary, options, video);
     summary.frames = static_cast<int>(feed.path.size());
@@ -118,10 +138,11 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
     summary.extent = pathExtent(feed.path);
     summary.repeatedMotions = static_cast<int>(repeated.size());
     fillFromRecord(summary, record);
-    summary.sweepVideo = options.directory / kSweepVideoName;
-    summary.sweepRecord = options.directory / kSweepRecordName;
-    summary.sweepPath = options.directory / kSweepPathName;
-    summary.sweepSummary = options.directory / kSweepSummaryName;
+    const SweepFiles files(options.directory);
+    summary.sweepVideo = files.video;
+    summary.sweepRecord = files.record;
+    summary.sweepPath = files.path;
+    summary.sweepSummary = files.summary;
     fillPostProcessing(summary.seconds, session);
     return summary;
 }

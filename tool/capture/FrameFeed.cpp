@@ -51,7 +51,7 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime,
         signals.check();
         if (realtime)
             pace.waitFor(feed.path.size(), signals);
-        const PathPoint point = timed(seconds.measure, [&] { return session.measure(frame); });
+        const Trajectory point = timed(seconds.measure, [&] { return session.measure(frame); });
         while (!timed(seconds.waitForEncoder, [&] { return session.waitForRoom(kSignalPatience); }))
             signals.check();
         timed(seconds.feed, [&] { session.feed(frame, point); });

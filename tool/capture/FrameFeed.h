@@ -11,8 +11,8 @@ namespace orbitwalk::tool {
 
 /// What came of feeding a video.
 struct Feed {
-    std::vector<PathPoint> path;  ///< One point a frame.
-    bool truncated = false;       ///< The video has more frames than a sweep can hold.
+    std::vector<Trajectory> path;  ///< One point a frame.
+    bool truncated = false;        ///< The video has more frames than a sweep can hold.
 };
 
 /// Decodes the video and gives each frame to the session, at most as many as a sweep can hold.

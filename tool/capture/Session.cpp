@@ -1,5 +1,6 @@
 #include "capture/Session.h"
 
+#include <array>
 #include <utility>
 
 #include "MP4Writer.h"
@@ -9,6 +10,11 @@ namespace {
 
 // The engine's ring has 15 slots; up to this many waiting frames it never has to grow.
 constexpr int kWaitingFrames = 10;
+
+/// A path that is kept in doubles is the engine's floats, and goes back as it came.
+std::array<float, 3> asFloats(const Trajectory& point) {
+    return {static_cast<float>(point.x), static_cast<float>(point.y), static_cast<float>(point.a)};
+}
 
 }  // namespace
 
@@ -44,10 +50,10 @@ Session::~Session() {
         cancelOrbitwalkEngine();
 }
 
-PathPoint Session::measure(std::span<const std::uint8_t> frame) {
-    PathPoint point;
-    getTrajectory(frame.data(), &point.x, &point.y, &point.a);
-    return point;
+Trajectory Session::measure(std::span<const std::uint8_t> frame) {
+    float x = 0, y = 0, a = 0;
+    getTrajectory(frame.data(), &x, &y, &a);
+    return {x, y, a};
 }
 
 bool Session::waitForRoom(std::chrono::milliseconds timeout) {
@@ -64,17 +70,20 @@ bool Session::waitForRoom(std::chrono::milliseconds timeout) {
     return room;
 }
 
-void Session::feed(std::span<const std::uint8_t> frame, const PathPoint& point) {
-    if (provideFrameandTrajectory(frame.data(), point.x, point.y, point.a) != 1)
+void Session::feed(std::span<const std::uint8_t> frame, const Trajectory& point) {
+    const auto [x, y, a] = asFloats(point);
+    if (provideFrameandTrajectory(frame.data(), x, y, a) != 1)
         throw failure("the engine refused frame " + std::to_string(mFed));
     ++mFed;
 }
 
-const __kelOBWKDXMetaData& Session::finish(std::span<const PathPoint> path,
+const __kelOBWKDXMetaData& Session::finish(std::span<const Trajectory> path,
                                            const SweepSelection& selection, Progress progress) {
     std::vector<_ENCODING_FRAME_INFORMATION> frames;
-    for (std::size_t i = 0; i < path.size(); ++i)
-        frames.push_back({path[i].x, path[i].y, path[i].a, selection.flags.at(i), 0, 0});
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        const auto [x, y, a] = asFloats(path[i]);
+        frames.push_back({x, y, a, selection.flags.at(i), 0, 0});
+    }
     mProgress = std::move(progress);
     mStopped = Clock::now();
     if (stopOrbitwalkEngine(selection.first, selection.last, frames.data(),

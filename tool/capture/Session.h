@@ -54,7 +54,7 @@ class Session final : private OBWEngineListener {
     Session& operator=(const Session&) = delete;
 
     /// Trajectory of the frame, in I420. Frames come in order.
-    PathPoint measure(std::span<const std::uint8_t> frame);
+    Trajectory measure(std::span<const std::uint8_t> frame);
 
     /// The engine's queue grows with every frame that the encoder has not taken. Waits until it is
     /// short enough for another one. @return false when the time is over.
@@ -62,11 +62,11 @@ class Session final : private OBWEngineListener {
     bool waitForRoom(std::chrono::milliseconds timeout);
 
     /// Hands the measured frame over for encoding.
-    void feed(std::span<const std::uint8_t> frame, const PathPoint& point);
+    void feed(std::span<const std::uint8_t> frame, const Trajectory& point);
 
     /// Ends the sweep and waits until the MP4 and the record are complete.
     /// @param path  what measure gave for each frame fed, one to a thousand.
-    const __kelOBWKDXMetaData& finish(std::span<const PathPoint> path,
+    const __kelOBWKDXMetaData& finish(std::span<const Trajectory> path,
                                       const SweepSelection& selection, Progress progress);
 
     /// Frames whose motion could not be measured, as RepeatedMotion tells them.

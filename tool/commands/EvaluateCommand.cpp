@@ -7,7 +7,9 @@
 #include "commands/Commands.h"
 #include "evaluate/Evaluation.h"
 #include "evaluate/LumaVideo.h"
+#include "sweep/Playlist.h"
 #include "sweep/Sweep.h"
+#include "sweep/TruthCsv.h"
 #include "terminal/Print.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/ToolError.h"
@@ -36,8 +38,7 @@ void checkOptions(const EvaluateOptions& options) {
 }
 
 PathError pathAgainst(const fs::path& truth, const Sweep& sweep) {
-    const int frames = sweep.record.frameCount();
-    return pathError(readSweepTable(sweep.path, frames), readTruthTable(truth, frames));
+    return pathError(requirePath(sweep), readTruthCsv(truth, sweep.record.frameCount()));
 }
 
 /// Frames of the source that a video rendered from the sweep shows, with or without its border
@@ -68,7 +69,7 @@ int countFrames(const fs::path& file, const Sweep& sweep) {
 /// The clip captured goes on where the sweep is full.
 void requireFrames(const fs::path& source, const Sweep& sweep) {
     const int frames = countFrames(source, sweep), recorded = sweep.record.frameCount();
-    const bool endsEarly = source != sweep.video && recorded == OBW_MAX_FRAMES;
+    const bool endsEarly = source != sweep.files.video && recorded == OBW_MAX_FRAMES;
     requireFrameCount(source, endsEarly ? std::min(frames, recorded) : frames, recorded);
 }
 
@@ -76,7 +77,7 @@ std::optional<Source> sourceOf(const EvaluateOptions& options, const std::option
     if (!sweep)
         return options.against.empty() ? std::nullopt
                                        : std::make_optional<Source>({options.against, {}, false});
-    const fs::path video = options.against.empty() ? sweep->video : options.against;
+    const fs::path video = options.against.empty() ? sweep->files.video : options.against;
     requireFrames(video, *sweep);
     return Source{video, framesShown(sweep->record, countFrames(options.video, *sweep)),
                   sweep->record.isFlipped()};

@@ -2,7 +2,7 @@
 
 #include "commands/Commands.h"
 #include "inspect/RecordFormats.h"
-#include "sweep/RecordFile.h"
+#include "sweep/Sweep.h"
 #include "terminal/Print.h"
 
 namespace orbitwalk::tool {

@@ -8,7 +8,7 @@
 #include "report/ReportData.h"
 #include "report/ReportJson.h"
 #include "report/ReportPage.h"
-#include "sweep/PathOfRecord.h"
+#include "sweep/Sweep.h"
 #include "sweep/SweepFiles.h"
 #include "terminal/Print.h"
 #include "terminal/ProgressBar.h"
@@ -35,23 +35,11 @@ ReportPictures readPictures(const Sweep& sweep, const ReportData& data,
     });
 }
 
-std::vector<SweepRow> readPath(const Sweep& sweep) {
-    std::vector<SweepRow> path = readSweepTable(sweep.path, sweep.record.frameCount());
-    try {
-        requirePathOfRecord(path, sweep.record);
-    } catch (const ToolError& difference) {
-        throw ToolError(sweep.path.string() + " is of another sweep: " + difference.what());
-    }
-    return path;
-}
-
 void writeReport(const ReportOptions& options) {
     refuseTakenNames(options.directory, {options.page});
     const SignalGuard signals;
     const Sweep sweep = openSweep(options.directory);
-    const auto path = readPath(sweep);
-    const ReportData data =
-        reportData(sweep.record, path, readSavedSummary(options.directory / kSweepSummaryName));
+    const ReportData data = reportData(sweep.record, requirePath(sweep), sweep.summary);
     OutputFiles files(options.page.parent_path());
     std::FILE* const stream = files.create(options.page.filename());
     const std::string page = reportPage(reportJson(data, readPictures(sweep, data, signals)));

@@ -12,8 +12,9 @@
 #include "media/VideoWriter.h"
 #include "simulate/Photo.h"
 #include "simulate/Simulation.h"
+#include "sweep/Summary.h"
 #include "sweep/SweepFiles.h"
-#include "sweep/TruthFile.h"
+#include "sweep/TruthCsv.h"
 #include "terminal/Print.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
@@ -114,20 +115,17 @@ void writeClip(Simulation& simulation, const SimulateOptions& options, std::FILE
     writer.finish();
 }
 
-PictureMotion extentOf(std::span<const TrueMotion> truth) {
-    PictureMotion low, high;
-    for (const TrueMotion& row : truth) {
-        low = {std::min(low.x, row.sum.x), std::min(low.y, row.sum.y), std::min(low.a, row.sum.a)};
-        high = {std::max(high.x, row.sum.x), std::max(high.y, row.sum.y),
-                std::max(high.a, row.sum.a)};
-    }
-    return {high.x - low.x, high.y - low.y, high.a - low.a};
+Trajectory extentOf(std::span<const TrueMotion> truth) {
+    std::vector<Trajectory> path;
+    for (const TrueMotion& row : truth)
+        path.push_back(row.sum);
+    return pathExtent(path);
 }
 
 std::string asText(const Simulation& simulation, const SimulateOptions& options, double seconds) {
     const SimulationSettings& settings = options.settings;
-    const PictureMotion end = simulation.truth().back().sum;
-    const PictureMotion extent = extentOf(simulation.truth());
+    const Trajectory end = simulation.truth().back().sum;
+    const Trajectory extent = extentOf(simulation.truth());
     char numbers[300];
     std::snprintf(numbers, sizeof numbers,
                   ": %d frames of %dx%d, scene at %.2f pixels a pixel, %.1f s\n"
@@ -140,7 +138,7 @@ std::string asText(const Simulation& simulation, const SimulateOptions& options,
 
 std::string asJson(const Simulation& simulation, const SimulateOptions& options, double seconds) {
     const SimulationSettings& settings = options.settings;
-    const auto motion = [](const PictureMotion& m) {
+    const auto motion = [](const Trajectory& m) {
         return nlohmann::ordered_json{{"x", m.x}, {"y", m.y}, {"a", m.a}};
     };
     nlohmann::ordered_json summary{{"clip", options.clip.string()}};
@@ -164,7 +162,7 @@ void writeFiles(Simulation& simulation, const SimulateOptions& options,
     OutputFiles clip(options.clip.parent_path()), truth(options.truth.parent_path());
     std::FILE* const stream = clip.create(options.clip.filename());
     if (!options.truth.empty())
-        writeTruth(simulation.truth(), truth.create(options.truth.filename()));
+        truth.write(options.truth.filename(), truthCsv(simulation.truth()));
     try {
         writeClip(simulation, options, stream, signals);
     } catch (const media::MediaError& error) {

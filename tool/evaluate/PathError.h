@@ -2,8 +2,7 @@
 
 #include <span>
 
-#include "sweep/SweepTable.h"
-#include "sweep/TruthTable.h"
+#include "sweep/SweepCsv.h"
 
 namespace orbitwalk::tool {
 
@@ -32,6 +31,6 @@ struct PathError {
 };
 
 /// @param measured, truth  one row a frame, as many of each; at least one.
-PathError pathError(std::span<const SweepRow> measured, std::span<const TruthRow> truth);
+PathError pathError(std::span<const SweepRow> measured, std::span<const Trajectory> truth);
 
 }  // namespace orbitwalk::tool

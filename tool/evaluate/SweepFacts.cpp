@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "orbitwalk/GeometryOpenCV.h"
 #include "render/FrameWarp.h"
 
 namespace orbitwalk::tool {
@@ -11,21 +12,14 @@ namespace orbitwalk::tool {
 namespace {
 
 void addCorrection(const Shot& shot, cv::Size size, SweepFacts& facts) {
-    const Correction moved = correctionOf(shot.frameFromPicture, size);
+    const Trajectory moved = correctionOf(shot.frameFromPicture, fromCv(size));
     facts.meanCorrectionX += moved.x;
     facts.meanCorrectionY += moved.y;
     facts.largestCorrection = std::max(facts.largestCorrection, std::hypot(moved.x, moved.y));
-    facts.largestTurn = std::max(facts.largestTurn, std::abs(moved.turn) * 180 / std::numbers::pi);
+    facts.largestTurn = std::max(facts.largestTurn, std::abs(moved.a) * 180 / std::numbers::pi);
 }
 
 }  // namespace
-
-Correction correctionOf(const Affine& frameFromPicture, cv::Size size) {
-    const PicturePoint centre{(size.width - 1) / 2.0, (size.height - 1) / 2.0};
-    const PicturePoint moved = inverse(frameFromPicture)(centre);
-    return {moved.x - centre.x, moved.y - centre.y,
-            std::atan2(-frameFromPicture.yx, frameFromPicture.yy)};
-}
 
 SweepFacts sweepFacts(const RecordReader& record) {
     const cv::Size size(record.width(), record.height());

@@ -8,16 +8,6 @@
 
 namespace orbitwalk::tool {
 
-/// How a frame is moved into the picture: its centre by pixels, and the turn about it in radians,
-/// clockwise on the screen.
-struct Correction {
-    double x = 0;
-    double y = 0;
-    double turn = 0;
-};
-
-Correction correctionOf(const Affine& frameFromPicture, cv::Size size);
-
 /// What a record alone says about the sweep that a player shows. Pixels of the full-size frame.
 struct SweepFacts {
     int frames = 0;

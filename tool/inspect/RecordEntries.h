@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "orbitwalk/RecordReader.h"
@@ -32,10 +31,5 @@ struct RecordEntries {
 };
 
 RecordEntries listEntries(const RecordReader& record);
-
-/// "landscape" and the like, "unknown" where the format has no name for the code.
-std::string orientationName(int degrees);
-std::string directionName(int direction);
-std::string cameraName(int type);
 
 }  // namespace orbitwalk::tool

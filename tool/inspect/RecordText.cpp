@@ -6,6 +6,7 @@
 
 #include "inspect/RecordEntries.h"
 #include "inspect/RecordFormats.h"
+#include "sweep/RecordFacts.h"
 
 namespace orbitwalk::tool {
 

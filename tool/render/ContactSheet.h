@@ -2,7 +2,7 @@
 
 #include <opencv2/core/mat.hpp>
 
-#include "sweep/Sweep.h"
+#include "sweep/ShotReader.h"
 
 namespace orbitwalk::tool {
 

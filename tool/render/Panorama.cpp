@@ -118,7 +118,7 @@ cv::Mat4b PanoramaCanvas::picture() const {
 
 cv::Mat4b panorama(const Sweep& sweep, bool withBorderFrames, int threads,
                    const std::function<void(int)>& progress) {
-    const std::vector<SweepRow> path = readSweepTable(sweep.path, sweep.record.frameCount());
+    const std::vector<SweepRow>& path = requirePath(sweep);
     const std::vector<Shot> shots = playlist(sweep.record, withBorderFrames);
     const PanoramaLayout layout = layOut(sweep.record, shots, path);
     const PieceCutter cutter(sweep, layout);

@@ -69,12 +69,10 @@ std::vector<Affine> framesFromScene(std::span<const SweepRow> path) {
     Affine map;
     for (std::size_t i = 0; i < path.size(); ++i) {
         if (i > 0) {
-            const double angle = static_cast<double>(path[i].a) - path[i - 1].a;
-            const double c = std::cos(angle);
-            const double s = std::sin(angle);
-            map = Affine{c, -s, static_cast<double>(path[i].x) - path[i - 1].x,
-                         s, c,  static_cast<double>(path[i].y) - path[i - 1].y} *
-                  map;
+            const Trajectory motion = path[i].position - path[i - 1].position;
+            const double c = std::cos(motion.a);
+            const double s = std::sin(motion.a);
+            map = Affine{c, -s, motion.x, s, c, motion.y} * map;
         }
         maps.push_back(map);
     }

@@ -6,7 +6,7 @@
 
 #include "orbitwalk/RecordReader.h"
 #include "sweep/Playlist.h"
-#include "sweep/SweepTable.h"
+#include "sweep/SweepCsv.h"
 
 /// Where the pictures of a sweep lie in the scene that they sweep across. Scene coordinates are
 /// pixels of the first frame of a path. The frame of row i moves with the picture's motion from row

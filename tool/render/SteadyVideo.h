@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "sweep/Sweep.h"
+#include "sweep/ShotReader.h"
 
 namespace orbitwalk::tool {
 

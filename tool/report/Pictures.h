@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "sweep/Sweep.h"
+#include "sweep/ShotReader.h"
 
 namespace orbitwalk::tool {
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <numbers>
 
-#include "evaluate/SweepFacts.h"
-#include "inspect/RecordEntries.h"
 #include "sweep/SmoothedPath.h"
 #include "sweep/SweepFiles.h"
 #include "terminal/ToolError.h"
@@ -13,31 +11,16 @@ namespace orbitwalk::tool {
 
 namespace {
 
-void set(Track& track, int frame, const PathPosition& position) {
+void set(Track& track, int frame, const Trajectory& position) {
     track.x[frame] = position.x;
     track.y[frame] = position.y;
     track.angle[frame] = position.a * 180 / std::numbers::pi;
 }
 
-void requireSameSweep(const SavedSummary& summary, const RecordReader& record) {
-    if (summary.width == record.width() && summary.height == record.height() &&
-        summary.frames == record.frameCount())
-        return;
-    const auto text = [](int frames, int width, int height) {
-        return std::to_string(frames) + " frames of " + std::to_string(width) + "x" +
-               std::to_string(height);
-    };
-    throw ToolError(std::string(kSweepSummaryName) + " is of another sweep: it says " +
-                    text(summary.frames, summary.width, summary.height) + ", the record " +
-                    text(record.frameCount(), record.width(), record.height()));
-}
-
 void addMotion(ReportData& data, std::span<const SweepRow> path) {
     data.motion = Track(data.frames);
     for (int i = 1; i < data.frames; ++i)
-        set(data.motion, i,
-            {double{path[i].x} - path[i - 1].x, double{path[i].y} - path[i - 1].y,
-             double{path[i].a} - path[i - 1].a});
+        set(data.motion, i, path[i].position - path[i - 1].position);
     for (const SweepRow& row : path)
         data.repeated.push_back(row.repeated);
     data.repeatedMotions = static_cast<int>(std::ranges::count(data.repeated, true));
@@ -95,9 +78,8 @@ void addCorrections(ReportData& data, const RecordReader& record) {
     data.correction = Track(data.frames);
     data.room = Room(data.frames);
     for (const Shot& shot : shots) {
-        const Correction moved =
-            correctionOf(shot.frameFromPicture, {record.width(), record.height()});
-        set(data.correction, shot.frame, {moved.x, moved.y, moved.turn});
+        set(data.correction, shot.frame,
+            correctionOf(shot.frameFromPicture, {record.width(), record.height()}));
         addRoom(data, shot);
     }
     const Shot& middle = shots.at(shots.size() / 2);
@@ -107,9 +89,7 @@ void addCorrections(ReportData& data, const RecordReader& record) {
 }  // namespace
 
 ReportData reportData(const RecordReader& record, std::span<const SweepRow> path,
-                      const std::optional<SavedSummary>& capture) {
-    if (capture)
-        requireSameSweep(*capture, record);
+                      const std::optional<Summary>& capture) {
     ReportData data;
     data.capture = capture;
     data.width = record.width();

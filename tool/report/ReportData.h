@@ -8,9 +8,10 @@
 #include <vector>
 
 #include "orbitwalk/RecordReader.h"
-#include "sweep/SavedSummary.h"
-#include "sweep/Smoothing.h"
-#include "sweep/SweepTable.h"
+#include "sweep/Playlist.h"
+#include "sweep/RecordFacts.h"
+#include "sweep/Summary.h"
+#include "sweep/SweepCsv.h"
 
 namespace orbitwalk::tool {
 
@@ -46,7 +47,7 @@ struct CropView {
 
 /// All that a report tells in words and plots.
 struct ReportData {
-    std::optional<SavedSummary> capture;
+    std::optional<Summary> capture;
     int width = 0;
     int height = 0;
     int frames = 0;
@@ -73,8 +74,7 @@ struct ReportData {
 };
 
 /// @param record  renders a frame. @param path  one row a frame of the record.
-/// @throws ToolError when the summary is of another sweep.
 ReportData reportData(const RecordReader& record, std::span<const SweepRow> path,
-                      const std::optional<SavedSummary>& capture);
+                      const std::optional<Summary>& capture);
 
 }  // namespace orbitwalk::tool

@@ -38,11 +38,13 @@ Json roomJson(const Room& room) {
             {"bottom", rounded(room.bottom, kPixelDigits)}};
 }
 
-Json captureJson(const SavedSummary& capture) {
+Json captureJson(const Summary& capture) {
     Json seconds;
     for (const Stage& stage : kStages)
         seconds[stage.key] = capture.seconds.*stage.seconds;
-    return {{"video", capture.video}, {"truncated", capture.truncated}, {"seconds", seconds}};
+    return {{"video", capture.video.filename().string()},
+            {"truncated", capture.truncated},
+            {"seconds", seconds}};
 }
 
 Json cropJson(const ReportData& data) {

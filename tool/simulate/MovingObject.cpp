@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "simulate/CameraPath.h"
+#include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/RandomStream.h"
+#include "simulate/ShakyPath.h"
 #include "simulate/TexturedScene.h"
 
 namespace orbitwalk::tool {
@@ -61,7 +62,7 @@ MovingObject::MovingObject(const SimulationSettings& settings, ColourMatrix matr
     mHalfAxes = cv::Size2d(0.3, 0.5) * (settings.object * frame.height);
     const cv::Point2d direction = cameraStep(settings.direction);
     const cv::Point2d travel(direction.x * frame.width, direction.y * frame.height);
-    mStart = frameCentre(settings.size) - travel / 2;
+    mStart = toCv(frameCentre(settings.size)) - travel / 2;
     mStep = travel / std::max(settings.frames - 1, 1);
     const cv::Mat3b texture =
         texturedScene(textureSize(mHalfAxes), randomStream(settings.seed, Randomness::Object));

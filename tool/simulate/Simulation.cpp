@@ -4,6 +4,7 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
+#include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/RandomStream.h"
 #include "simulate/Sensor.h"
 #include "simulate/TexturedScene.h"
@@ -88,9 +89,9 @@ std::size_t Simulation::frameBytes() const {
 void Simulation::render(int frame, std::span<std::uint8_t> i420) {
     const CameraPose& pose = mPoses.at(frame);
     const double scale = mPlacement.scale;
-    const cv::Point2d stepX = scale * rotated({1, 0}, pose.roll);
-    const cv::Point2d stepY = scale * rotated({0, 1}, pose.roll);
-    const cv::Point2d centre = frameCentre(mSettings.size);
+    const cv::Point2d stepX = scale * toCv(rotated({1, 0}, pose.a));
+    const cv::Point2d stepY = scale * toCv(rotated({0, 1}, pose.a));
+    const cv::Point2d centre = toCv(frameCentre(mSettings.size));
     const cv::Point2d middle = mPlacement.origin + scale * cv::Point2d(pose.x, pose.y);
     resample(mScene, {middle - centre.x * stepX - centre.y * stepY, stepX, stepY}, mPicture);
     if (mObject)

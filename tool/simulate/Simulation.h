@@ -6,10 +6,10 @@
 #include <span>
 #include <vector>
 
-#include "simulate/CameraPath.h"
 #include "simulate/ColourPlanes.h"
 #include "simulate/MovingObject.h"
 #include "simulate/ScenePlacement.h"
+#include "simulate/ShakyPath.h"
 #include "simulate/SimulationSettings.h"
 
 namespace orbitwalk::tool {

@@ -3,13 +3,9 @@
 #include <cstdint>
 
 #include "media/MediaTypes.h"
+#include "orbitwalk/Geometry.h"
 
 namespace orbitwalk::tool {
-
-struct FrameSize {
-    int width = 0;
-    int height = 0;
-};
 
 /// Where the camera goes; the picture moves the other way.
 enum class SweepDirection { Left2Right, Right2Left, Top2Bottom, Bottom2Top };

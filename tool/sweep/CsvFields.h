@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <string>
 #include <string_view>
 
 namespace orbitwalk::tool {
@@ -24,6 +25,14 @@ bool takeField(std::string_view& line, Number& value) {
     const auto [stop, error] = std::from_chars(line.data(), end, value);
     line.remove_prefix(std::min(comma + 1, line.size()));
     return error == std::errc{} && stop == end;
+}
+
+/// Adds a comma and the fewest digits that read back as the same value, whatever the locale.
+template <typename Number>
+void appendField(std::string& line, Number value) {
+    char digits[64];
+    line += ',';
+    line.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
 }  // namespace orbitwalk::tool

@@ -1,5 +1,7 @@
 #include "sweep/Playlist.h"
 
+#include <cmath>
+
 namespace orbitwalk::tool {
 
 namespace {
@@ -51,6 +53,12 @@ std::vector<Shot> playlist(const RecordReader& record, bool withBorderFrames) {
     for (int k = 0; withBorderFrames && k < record.rightBorderCount(); ++k)
         show(frames.back(), ShotKind::RightBorder, record.rightBorder(k));
     return shots;
+}
+
+Trajectory correctionOf(const Affine& frameFromPicture, FrameSize size) {
+    const PicturePoint centre = frameCentre(size);
+    const PicturePoint moved = inverse(frameFromPicture)(centre) - centre;
+    return {moved.x, moved.y, std::atan2(-frameFromPicture.yx, frameFromPicture.yy)};
 }
 
 Affine uncorrected(const RecordReader& record) {

@@ -25,6 +25,9 @@ struct Shot {
 /// frame. Frame numbers never fall from one shot to the next.
 std::vector<Shot> playlist(const RecordReader& record, bool withBorderFrames = true);
 
+/// How a frame is moved into the picture: its centre by pixels, and the turn about it.
+Trajectory correctionOf(const Affine& frameFromPicture, FrameSize size);
+
 /// How a player shows a frame that is not stabilised: whole, mirrored where the preview was.
 Affine uncorrected(const RecordReader& record);
 

@@ -10,13 +10,13 @@ static_assert(kLastFeedbackStep == stabilization::kFeedbackSteps);
 
 namespace {
 
-Trajectory trajectoryOf(const SweepRow& row) {
-    return {row.x, row.y, row.a};
-}
+/// The stabiliser's own, of the same three members.
+using EnginePoint = decltype(stabilization::SmoothingResult::smoothPath)::value_type;
 
-std::vector<PathPosition> positions(std::span<const Trajectory> path) {
-    std::vector<PathPosition> points;
-    for (const Trajectory& point : path)
+template <typename To, typename From>
+std::vector<To> converted(const std::vector<From>& path) {
+    std::vector<To> points;
+    for (const From& point : path)
         points.push_back({point.x, point.y, point.a});
     return points;
 }
@@ -33,7 +33,7 @@ std::vector<Trajectory> sentTransforms(std::span<const SweepRow> path, int first
             result.reference = i;
             continue;
         }
-        const Trajectory position = trajectoryOf(path[i]) - trajectoryOf(path[result.reference]);
+        const Trajectory position = path[i].position - path[result.reference].position;
         transforms.push_back(position - previous);
         previous = position;
         result.frames.push_back(i);
@@ -49,7 +49,7 @@ SmoothedPath smoothedPath(std::span<const SweepRow> path, int first, int last, i
                           int height) {
     using namespace stabilization;
     SmoothedPath result;
-    const auto transforms = sentTransforms(path, first, last, result);
+    const auto transforms = converted<EnginePoint>(sentTransforms(path, first, last, result));
     const auto measured = rebuildPath(transforms);
     const auto gaussian = gaussianSmooth(measured, kGaussianRadius);
     const SmoothingResult smoothing = smoothWithFeedback({.transforms = transforms,
@@ -57,14 +57,12 @@ SmoothedPath smoothedPath(std::span<const SweepRow> path, int first, int last, i
                                                           .gaussianPath = gaussian,
                                                           .size = {width, height}},
                                                          kFeedbackSteps, true);
-    result.measured = positions(measured);
-    result.gaussian = positions(gaussian);
-    result.smoothed = positions(smoothing.smoothPath);
+    result.measured = converted<Trajectory>(measured);
+    result.gaussian = converted<Trajectory>(gaussian);
+    result.smoothed = converted<Trajectory>(smoothing.smoothPath);
     result.feedbackStep = smoothing.step;
-    result.minX = smoothing.bounds.minX;
-    result.maxX = smoothing.bounds.maxX;
-    result.minY = smoothing.bounds.minY;
-    result.maxY = smoothing.bounds.maxY;
+    const CropBounds& bounds = smoothing.bounds;
+    result.crop = {bounds.minX, bounds.minY, bounds.maxX - bounds.minX, bounds.maxY - bounds.minY};
     return result;
 }
 

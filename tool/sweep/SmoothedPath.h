@@ -4,19 +4,12 @@
 #include <span>
 #include <vector>
 
-#include "sweep/SweepTable.h"
+#include "sweep/SweepCsv.h"
 
 namespace orbitwalk::tool {
 
 /// The last of the feedback search's runs, the one that smooths least.
 inline constexpr int kLastFeedbackStep = 10;
-
-/// Pixels of the full-size frame, x right, y down; radians.
-struct PathPosition {
-    double x = 0;
-    double y = 0;
-    double a = 0;
-};
 
 /// The paths inside the engine, which the record does not hold, by the engine's own code.
 struct SmoothedPath {
@@ -24,19 +17,16 @@ struct SmoothedPath {
     /// Frames that the points belong to: those selected after the reference. Empty when there are
     /// none; then each path is the one point that stop sends in their place.
     std::vector<int> frames;
-    std::vector<PathPosition> measured;  ///< The picture relative to the reference frame.
-    std::vector<PathPosition> gaussian;
+    std::vector<Trajectory> measured;  ///< The picture relative to the reference frame.
+    std::vector<Trajectory> gaussian;
     /// What the stabiliser follows. The correction of the v-th selected frame (the reference is the
     /// 0th) is smoothed[v] minus the frame's measured position, which is 0 for the reference; the
     /// last selected frame repeats the one before it.
-    std::vector<PathPosition> smoothed;
+    std::vector<Trajectory> smoothed;
     /// Run of the feedback search that kept enough picture, 0 (smoothest) to 10; none: the engine
     /// fell back to no correction.
     std::optional<int> feedbackStep;
-    int minX = 0;  ///< Crop bounds, as the engine has them before it writes x, y, width, height.
-    int maxX = 0;
-    int minY = 0;
-    int maxY = 0;
+    CropRectangle crop;  ///< As the engine writes it into the record.
 };
 
 /// What the engine makes of a sweep at stop and after it.

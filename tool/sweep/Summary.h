@@ -1,14 +1,23 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 
-#include "capture/SweepPath.h"
-#include "sweep/Smoothing.h"
+#include "orbitwalk/Engine.h"
+#include "orbitwalk/Geometry.h"
+#include "sweep/RecordFacts.h"
+#include "sweep/SweepFiles.h"
 
+/// sweep.json: what a capture came to, and which files belong to it.
 namespace orbitwalk::tool {
+
+/// Of the tool that runs.
+std::string_view toolVersion();
 
 /// Wall-clock seconds that a capture spent in each stage.
 struct StageSeconds {
@@ -43,9 +52,42 @@ inline constexpr Stage kStages[] = {{"decode", &StageSeconds::decode},
 /// Frames a second of every sweep.mp4: the engine's encoder knows no other.
 inline constexpr int kSweepRate = 30;
 
-/// What a capture came to.
+/// Of what a file held; see sha256 for the digits.
+struct FileIdentity {
+    std::filesystem::path path;  ///< Absolute, links not followed.
+    std::int64_t bytes = 0;
+    std::string sha256;
+};
+
+/// Reads the whole file. @return nothing for what can be read only once, such as a pipe.
+/// @throws ToolError with the file's name when it cannot be read.
+std::optional<FileIdentity> identityOf(const std::filesystem::path& file);
+
+/// Of the files that a capture writes, see sha256.
+struct SweepChecksums {
+    std::string video;
+    std::string record;
+    std::string path;
+};
+
+/// Reads the files of a directory. @throws ToolError that names the one that cannot be read.
+SweepChecksums checksumsOf(const SweepFiles& files);
+
+/// Layout of the sweep.json that this tool writes. None: it was written before there were numbers,
+/// and before it named the files that belong to it.
+inline constexpr int kSummarySchema = 1;
+
+/// What a capture came to. A capture fills in all of it; of what was read, the four paths of the
+/// outputs and what only capture's notes tell are left empty.
 struct Summary {
-    std::filesystem::path video;
+    int schema = kSummarySchema;  ///< 0 when none was given.
+    std::string toolVersion{tool::toolVersion()};
+    /// The video's frames that belong in the sweep were all there: it neither ended early nor was
+    /// damaged.
+    bool complete = true;
+    std::filesystem::path video;         ///< As given to capture.
+    std::optional<FileIdentity> source;  ///< The same file, to be found again; see identityOf.
+    SweepChecksums checksums;            ///< Of what was written beside this summary.
     int width = 0;
     int height = 0;
     int frames = 0;
@@ -60,7 +102,7 @@ struct Summary {
     int skipped = 0;
     int rendered = 0;  ///< Frames of the range that are not skipped.
     OBWDirection direction = OBW_DIRECTION_LEFT2RIGHT;
-    PathExtent extent;
+    Trajectory extent;          ///< See pathExtent; the angle is not kept.
     double cropWidthShare = 0;  ///< Of the frame's width, what every rendered frame shows.
     double cropHeightShare = 0;
     Smoothing smoothing = Smoothing::Smoothed;
@@ -72,6 +114,9 @@ struct Summary {
     std::filesystem::path sweepSummary;
 };
 
+/// Between the leftmost and the rightmost point, the highest and the lowest, and the angles.
+Trajectory pathExtent(std::span<const Trajectory> path);
+
 /// A line that warns of too many repeated motions, more than a tenth of the frames.
 std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames);
 
@@ -79,5 +124,15 @@ std::string toText(const Summary& summary);
 nlohmann::ordered_json toJson(const Summary& summary);
 /// What sweep.json holds. A file name may have bytes that are not UTF-8; JSON cannot.
 std::string toJsonText(const Summary& summary);
+
+/// Reads the text of a sweep.json. @throws ToolError that says what is missing or out of range.
+Summary parseSummary(std::string_view text);
+
+/// Reads a sweep.json, and where it names them, compares the files beside it: those of a capture
+/// that was killed while it replaced another, or that somebody copied over, do not belong together.
+/// @return nothing where there is none, as beside sweeps from before it was written.
+/// @throws ToolError in one line that names the file that cannot be read, is no summary or does not
+/// belong to it.
+std::optional<Summary> openSummary(const SweepFiles& files);
 
 }  // namespace orbitwalk::tool

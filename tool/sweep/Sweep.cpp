@@ -1,68 +1,120 @@
 #include "sweep/Sweep.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 #include <string>
 
-#include "sweep/RecordFile.h"
-#include "sweep/SweepFiles.h"
+#include "sweep/SmoothedPath.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 std::string textOf(cv::Size size) {
     return std::to_string(size.width) + "x" + std::to_string(size.height);
 }
 
+std::string textOf(const CropRectangle& crop) {
+    return textOf(cv::Size(crop.width, crop.height)) + " at " + std::to_string(crop.x) + "," +
+           std::to_string(crop.y);
+}
+
+std::vector<std::byte> readLimited(const fs::path& path, std::size_t limit) {
+    const auto fail = [&] { throw ToolError(path.string() + ": " + std::strerror(errno)); };
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                               std::fclose);
+    if (!file)
+        fail();
+    std::vector<std::byte> bytes(limit);
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+    if (std::ferror(file.get()))
+        fail();
+    return bytes;
+}
+
+void requireRecordOfSummary(const Summary& summary, const RecordReader& record) {
+    const cv::Size said(summary.width, summary.height), recorded(record.width(), record.height());
+    if (said != recorded || summary.frames != record.frameCount())
+        throw ToolError("it says " + std::to_string(summary.frames) + " frames of " + textOf(said) +
+                        ", the record " + std::to_string(record.frameCount()) + " frames of " +
+                        textOf(recorded));
+}
+
+/// @param check  throws ToolError with what differs.
+template <typename Check>
+void requireOfThisSweep(const fs::path& file, Check check) {
+    try {
+        check();
+    } catch (const ToolError& difference) {
+        throw ToolError(file.string() + " is of another sweep: " + difference.what());
+    }
+}
+
 }  // namespace
 
-Sweep openSweep(const std::filesystem::path& directory) {
-    const std::filesystem::path recordFile = directory / kSweepRecordName;
-    Sweep sweep{directory / kSweepVideoName, directory / kSweepPathName,
-                readRecordFile(recordFile)};
-    if (playlist(sweep.record).empty())
-        throw ToolError(recordFile.string() + ": the record renders no frame");
+Sweep readSweep(const fs::path& directory) {
+    const SweepFiles files(directory);
+    Sweep sweep{files, readRecordFile(files.record), {}, openSummary(files)};
+    if (sweep.summary)
+        requireOfThisSweep(files.summary,
+                           [&] { requireRecordOfSummary(*sweep.summary, sweep.record); });
+    std::error_code cannotTell;
+    if (!fs::exists(files.path, cannotTell) && !cannotTell)
+        return sweep;
+    sweep.path = readSweepCsv(files.path, sweep.record.frameCount());
+    requireOfThisSweep(files.path, [&] { requirePathOfRecord(sweep.path, sweep.record); });
     return sweep;
 }
 
-void requireSize(const std::filesystem::path& video, cv::Size size, cv::Size recorded) {
+Sweep openSweep(const fs::path& directory) {
+    const SweepFiles files(directory);
+    if (renderedFrames(readRecordFile(files.record).raw()) == 0)
+        throw ToolError(files.record.string() + ": the record renders no frame");
+    return readSweep(directory);
+}
+
+const std::vector<SweepRow>& requirePath(const Sweep& sweep) {
+    if (sweep.path.empty())
+        throw ToolError(sweep.files.path.string() + ": " + std::strerror(ENOENT));
+    return sweep.path;
+}
+
+RecordReader readRecordFile(const fs::path& file) {
+    auto opened = RecordReader::open(readLimited(file, OBW_METADATA_SIZE + 1));
+    if (const auto* refusal = std::get_if<RecordRefusal>(&opened))
+        throw ToolError(file.string() + ": not a motion record: " + refusal->text);
+    return std::get<RecordReader>(std::move(opened));
+}
+
+void requirePathOfRecord(std::span<const SweepRow> path, const RecordReader& record) {
+    const auto& raw = record.raw();
+    for (int i = 0; i < record.frameCount(); ++i)
+        if (path[i].flag != raw.renderFlag[i])
+            throw ToolError("the flag of frame " + std::to_string(i) + " is " +
+                            std::to_string(path[i].flag) + ", the record says " +
+                            std::to_string(raw.renderFlag[i]));
+    const CropRectangle crop =
+        smoothedPath(path, raw.startIndex, raw.endIndex, record.width(), record.height()).crop;
+    if (crop != record.crop())
+        throw ToolError("its path leads to the crop " + textOf(crop) + ", the record has " +
+                        textOf(record.crop()));
+}
+
+void requireSize(const fs::path& video, cv::Size size, cv::Size recorded) {
     if (size != recorded)
         throw ToolError(video.string() + ": the video is " + textOf(size) + ", its record says " +
                         textOf(recorded));
 }
 
-void requireFrameCount(const std::filesystem::path& video, int frames, int recorded) {
+void requireFrameCount(const fs::path& video, int frames, int recorded) {
     if (frames != recorded)
         throw ToolError(video.string() + ": the video has " + std::to_string(frames) +
                         " frames, its record says " + std::to_string(recorded));
-}
-
-ShotReader::ShotReader(const Sweep& sweep, std::vector<Shot> shots)
-    : mName(sweep.video),
-      mShots(std::move(shots)),
-      mVideo(sweep.video),
-      mFramesInRecord(sweep.record.frameCount()) {
-    requireSize(mName, {mVideo.width(), mVideo.height()}, sweep.size());
-}
-
-std::optional<ShotFrame> ShotReader::next() {
-    const bool ended = mNext == mShots.size();
-    while (ended || mFramesRead <= mShots[mNext].frame)
-        if (!decodeFrame()) {
-            requireFrameCount(mName, mFramesRead, mFramesInRecord);
-            return std::nullopt;
-        }
-    const Shot& shot = mShots[mNext++];
-    return ShotFrame{shot, mFrame};
-}
-
-bool ShotReader::decodeFrame() {
-    auto pixels = std::make_shared<std::vector<std::uint8_t>>();
-    if (!mVideo.read(*pixels))
-        return false;
-    mFrame = std::move(pixels);
-    ++mFramesRead;
-    return true;
 }
 
 }  // namespace orbitwalk::tool

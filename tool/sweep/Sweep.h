@@ -1,65 +1,54 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <opencv2/core/types.hpp>
 #include <optional>
+#include <span>
 #include <vector>
 
-#include "media/VideoReader.h"
 #include "orbitwalk/RecordReader.h"
-#include "sweep/Playlist.h"
+#include "sweep/Summary.h"
+#include "sweep/SweepCsv.h"
+#include "sweep/SweepFiles.h"
 
 namespace orbitwalk::tool {
 
 /// What `orbitwalk capture` left in a directory.
 struct Sweep {
-    std::filesystem::path video;
-    std::filesystem::path path;  ///< The measured path, CSV. Not looked at here.
+    SweepFiles files;  ///< Only the record and the video must be there.
     RecordReader record;
+    std::vector<SweepRow> path;      ///< One row a frame; empty where there is no sweep.csv.
+    std::optional<Summary> summary;  ///< None where there is no sweep.json.
 
     cv::Size size() const { return {record.width(), record.height()}; }
 };
 
-/// Opens the record. @throws ToolError when it cannot be read, is none or renders no frame.
+/// Opens what a directory has of a sweep, all but the video, and checks that it belongs together:
+/// the files by the summary's checksums, the record by the summary's figures and by the path, which
+/// smoothed must lead to its crop.
+/// @throws ToolError in one line that names the file that cannot be read, is damaged or is of
+/// another sweep.
+Sweep readSweep(const std::filesystem::path& directory);
+
+/// The same for those who show it. @throws ToolError also when the record renders no frame.
 Sweep openSweep(const std::filesystem::path& directory);
+
+/// The measured path. @throws ToolError that names the file when there is none.
+const std::vector<SweepRow>& requirePath(const Sweep& sweep);
+
+/// Reads and opens a motion record. Of a file that is too long it reads no more than shows that.
+/// @throws ToolError with the reason when the file cannot be read or is no record.
+RecordReader readRecordFile(const std::filesystem::path& file);
+
+/// The record does not hold the path, only what came of it.
+/// @param path  one row a frame of the record.
+/// @throws ToolError with what differs, when the record cannot have come of the path: by its flags,
+/// or by the crop that smoothing it leads to.
+void requirePathOfRecord(std::span<const SweepRow> path, const RecordReader& record);
 
 /// @throws ToolError when a video's size is not the one that its record says.
 void requireSize(const std::filesystem::path& video, cv::Size size, cv::Size recorded);
 /// @throws ToolError when a video's number of frames is not the one that its record says.
 void requireFrameCount(const std::filesystem::path& video, int frames, int recorded);
-
-/// I420, of the size of the record; shared among the shots that show it.
-using Frame = std::shared_ptr<const std::vector<std::uint8_t>>;
-
-struct ShotFrame {
-    Shot shot;
-    Frame frame;
-};
-
-/// Decodes the frames that the shots show, one shot after the other. One thread at a time.
-class ShotReader {
-  public:
-    /// @param shots  their frame numbers never fall.
-    /// @throws ToolError when the video is not of the record's size; MediaError.
-    ShotReader(const Sweep& sweep, std::vector<Shot> shots);
-
-    media::FrameRate frameRate() const { return mVideo.frameRate(); }
-    /// The next shot; nothing after the last, when the video was read to its end.
-    /// @throws ToolError when the video holds another number of frames than the record; MediaError.
-    std::optional<ShotFrame> next();
-
-  private:
-    bool decodeFrame();
-
-    std::filesystem::path mName;
-    std::vector<Shot> mShots;
-    std::size_t mNext = 0;
-    media::VideoReader mVideo;
-    int mFramesInRecord;
-    int mFramesRead = 0;
-    Frame mFrame;  ///< The last one read.
-};
 
 }  // namespace orbitwalk::tool

@@ -1,17 +1,33 @@
 #pragma once
 
-#include <cstdint>
-#include <set>
+#include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
-#include "capture/SweepPath.h"
+#include "orbitwalk/Geometry.h"
 
+/// sweep.csv: the measured path, `frame,x,y,a,flag,repeated`, the frames counted from 0.
 namespace orbitwalk::tool {
 
-/// The sweep as CSV, one row a frame: frame,x,y,a,flag,repeated. Floats are written with the fewest
-/// digits that read back as the same value.
-std::string sweepCsv(std::span<const PathPoint> path, std::span<const std::int32_t> flags,
-                     const std::set<int>& repeatedFrames);
+struct SweepRow {
+    /// Where the picture stands in the frame as the engine measured it, its motion summed since the
+    /// first frame. The engine's floats: the file holds the digits of a float.
+    Trajectory position;
+    int flag = 0;           ///< 1: the frame was offered for rendering.
+    bool repeated = false;  ///< Its motion could not be measured and repeats the last one.
+};
+
+/// Floats are written with the fewest digits that read back as the same value.
+std::string sweepCsv(std::span<const SweepRow> path);
+
+/// @throws ToolError that names the first line that is no row; values must be finite, flag and
+/// repeated 0 or 1.
+std::vector<SweepRow> parseSweepCsv(std::string_view text);
+
+/// @param frames  number of rows to expect.
+/// @throws ToolError that names the file when it cannot be read or is no such table.
+std::vector<SweepRow> readSweepCsv(const std::filesystem::path& file, int frames);
 
 }  // namespace orbitwalk::tool

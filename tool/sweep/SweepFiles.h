@@ -14,6 +14,20 @@ inline constexpr char kSweepSummaryName[] = "sweep.json";
 inline constexpr const char* kSweepNames[] = {kSweepVideoName, kSweepRecordName, kSweepPathName,
                                               kSweepSummaryName};
 
+/// Paths of a directory's files, there or not.
+struct SweepFiles {
+    explicit SweepFiles(const std::filesystem::path& directory);
+
+    std::filesystem::path video;
+    std::filesystem::path record;
+    std::filesystem::path path;
+    std::filesystem::path summary;
+    /// Of the sweep whose motion was measured again afterwards.
+    std::filesystem::path refinedRecord;
+    std::filesystem::path refinedPath;
+    std::filesystem::path refinedSummary;
+};
+
 /// The path with links followed as far as they lead; as it is where they cannot be followed.
 std::filesystem::path followed(const std::filesystem::path& path);
 

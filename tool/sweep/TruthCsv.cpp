@@ -1,8 +1,7 @@
-#include "sweep/TruthTable.h"
+#include "sweep/TruthCsv.h"
 
 #include <array>
 #include <cmath>
-#include <string>
 
 #include "files/TextFile.h"
 #include "orbitwalk/MetaData.h"
@@ -15,7 +14,7 @@ namespace {
 
 constexpr std::string_view kHeader = "frame,dx,dy,da,x,y,a";
 
-bool parseRow(std::string_view line, int frame, TruthRow& row) {
+bool parseRow(std::string_view line, int frame, Trajectory& row) {
     int number = 0;
     if (!takeField(line, number) || number != frame)
         return false;
@@ -29,12 +28,25 @@ bool parseRow(std::string_view line, int frame, TruthRow& row) {
 
 }  // namespace
 
-std::vector<TruthRow> parseTruthTable(std::string_view text) {
+std::string truthCsv(std::span<const TrueMotion> truth) {
+    std::string csv(kHeader);
+    csv += '\n';
+    for (std::size_t k = 0; k < truth.size(); ++k) {
+        const auto& [step, sum] = truth[k];
+        csv += std::to_string(k);
+        for (const double value : {step.x, step.y, step.a, sum.x, sum.y, sum.a})
+            appendField(csv, value);
+        csv += '\n';
+    }
+    return csv;
+}
+
+std::vector<Trajectory> parseTruthCsv(std::string_view text) {
     if (takeLine(text) != kHeader)
         throw ToolError("its first line is not " + std::string(kHeader));
-    std::vector<TruthRow> rows;
+    std::vector<Trajectory> rows;
     while (!text.empty()) {
-        TruthRow row;
+        Trajectory row;
         if (!parseRow(takeLine(text), static_cast<int>(rows.size()), row))
             throw ToolError("line " + std::to_string(rows.size() + 2) + " is no row of frame " +
                             std::to_string(rows.size()));
@@ -43,10 +55,10 @@ std::vector<TruthRow> parseTruthTable(std::string_view text) {
     return rows;
 }
 
-std::vector<TruthRow> readTruthTable(const std::filesystem::path& file, int frames) {
+std::vector<Trajectory> readTruthCsv(const std::filesystem::path& file, int frames) {
     const std::string text = readTextFile(file);
     try {
-        std::vector<TruthRow> rows = parseTruthTable(text);
+        std::vector<Trajectory> rows = parseTruthCsv(text);
         if (frames == OBW_MAX_FRAMES && std::ssize(rows) > frames)
             rows.resize(frames);
         if (std::ssize(rows) != frames)

@@ -1,8 +1,15 @@
 #pragma once
 
+#include <string>
+
 #include "orbitwalk/MetaData.h"
 
 namespace orbitwalk::tool {
+
+/// "landscape" and the like, "unknown" where the format has no name for the code.
+std::string orientationName(int degrees);
+std::string directionName(int direction);
+std::string cameraName(int type);
 
 /// What became of a sweep's smoothing.
 enum class Smoothing {

@@ -1,4 +1,4 @@
-#include "sweep/Smoothing.h"
+#include "sweep/RecordFacts.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -20,6 +20,31 @@ bool isUncorrected(const __kelOBWKDXMetaData& record) {
 }
 
 }  // namespace
+
+std::string orientationName(int degrees) {
+    switch (degrees) {
+        case 0:
+            return "landscape";
+        case 90:
+            return "portrait";
+        case 270:
+            return "reverse landscape";
+        case 360:
+            return "reverse portrait";
+        default:
+            return "unknown";
+    }
+}
+
+std::string directionName(int direction) {
+    constexpr const char* names[] = {"unknown", "left to right", "right to left", "top to bottom",
+                                     "bottom to top"};
+    return names[direction >= 1 && direction <= 4 ? direction : 0];
+}
+
+std::string cameraName(int type) {
+    return type == 1 ? "front" : type == 2 ? "rear" : "unknown";
+}
 
 int renderedFrames(const __kelOBWKDXMetaData& record) {
     int rendered = 0;

@@ -1,8 +1,13 @@
 #pragma once
 
 #include <opencv2/core.hpp>
+#include <span>
 #include <vector>
 
+#include "simulate/SimulationSettings.h"
+#include "simulate/TrueMotion.h"
+
+/// Where a hand that sweeps takes the camera.
 namespace orbitwalk::tool {
 
 /// How far a hand goes at most, and how large its tremor is for a drift of one.
@@ -16,5 +21,15 @@ struct ShakeStrength {
 /// that the largest value's magnitude is the peak.
 std::vector<double> handShake(int frames, double framesPerSecond, const ShakeStrength& strength,
                               cv::RNG random);
+
+/// Unit step of the camera.
+cv::Point2d cameraStep(SweepDirection direction);
+
+/// A pose a frame: the steady sweep, starting at the scene's origin, with the hand's shake on both
+/// axes and in roll.
+std::vector<CameraPose> cameraPath(const SimulationSettings& settings);
+
+/// Smallest upright rectangle of the scene that holds every frame of the path.
+cv::Rect2d sceneExtent(std::span<const CameraPose> poses, FrameSize size);
 
 }  // namespace orbitwalk::tool

@@ -1,15 +1,12 @@
-#include "simulate/PictureMotion.h"
+#include "simulate/TrueMotion.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <complex>
-#include <memory>
 #include <numbers>
 
-#include "simulate/CameraPath.h"
-#include "simulate/HandShake.h"
-#include "sweep/TruthFile.h"
+#include "simulate/ShakyPath.h"
 
 namespace orbitwalk::tool {
 namespace {
@@ -17,33 +14,33 @@ namespace {
 constexpr FrameSize fullHd{1920, 1080};
 constexpr double quarterTurn = std::numbers::pi / 2;
 
-void expectMotion(const PictureMotion& found, const PictureMotion& wanted) {
+void expectMotion(const Trajectory& found, const Trajectory& wanted) {
     EXPECT_NEAR(found.x, wanted.x, 1e-9);
     EXPECT_NEAR(found.y, wanted.y, 1e-9);
     EXPECT_NEAR(found.a, wanted.a, 1e-12);
 }
 
-TEST(PictureMotion, IsMeasuredFromTheCornerOfTheCentralThreeFifths) {
+TEST(TrueMotion, IsMeasuredFromTheCornerOfTheCentralThreeFifths) {
     // 1920 / 4 / 5 = 96 columns and 1080 / 4 / 5 = 54 rows of the quarter-size picture.
-    EXPECT_EQ(measuringOrigin(fullHd), cv::Point2d(384, 216));
-    EXPECT_EQ(measuringOrigin({642, 362}), cv::Point2d(128, 72));
+    EXPECT_EQ(measuringOrigin(fullHd), (PicturePoint{384, 216}));
+    EXPECT_EQ(measuringOrigin({642, 362}), (PicturePoint{128, 72}));
 }
 
-TEST(PictureMotion, CarriesEveryScenePointFromFrameToFrame) {
+TEST(TrueMotion, CarriesEveryScenePointFromFrameToFrame) {
     using Complex = std::complex<double>;
     const Complex centre(959.5, 539.5), origin(384, 216);
     const auto seenAt = [&](Complex scene, const CameraPose& pose) {
-        return (scene - Complex(pose.x, pose.y)) * std::polar(1.0, -pose.roll) + centre - origin;
+        return (scene - Complex(pose.x, pose.y)) * std::polar(1.0, -pose.a) + centre - origin;
     };
     const CameraPose before{3, -4, 0.02}, after{15.5, -3, -0.013};
-    const PictureMotion motion = motionBetween(before, after, fullHd);
+    const Trajectory motion = motionBetween(before, after, fullHd);
     for (const Complex scene : {Complex(0, 0), Complex(800, -300), Complex(-50, 444)}) {
         const Complex moved = std::polar(1.0, motion.a) * seenAt(scene, before);
         EXPECT_LT(std::abs(moved + Complex(motion.x, motion.y) - seenAt(scene, after)), 1e-9);
     }
 }
 
-TEST(TrueMotions, SumsTheStepsComponentByComponent) {
+TEST(TrueMotion, SumsTheStepsComponentByComponent) {
     const std::vector<CameraPose> poses{{0, 0, 0}, {0, 0, quarterTurn}, {0, 0, 0}};
     const auto rows = trueMotions(poses, fullHd);
     ASSERT_EQ(rows.size(), 3u);
@@ -53,19 +50,6 @@ TEST(TrueMotions, SumsTheStepsComponentByComponent) {
     // it was.
     expectMotion(rows[2].step, {899, -252, quarterTurn});
     expectMotion(rows[2].sum, {1151, 647, 0});
-}
-
-TEST(TruthFile, WritesDigitsThatReadBackExactly) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
-    const std::vector<TrueMotion> truth{{}, {{-12.5, 0.1, 1e-7}, {-12.5, 1.0 / 3, 1e-7}}};
-    writeTruth(truth, file.get());
-    std::rewind(file.get());
-    char text[200] = {};
-    text[std::fread(text, 1, sizeof text - 1, file.get())] = 0;
-    EXPECT_STREQ(text,
-                 "frame,dx,dy,da,x,y,a\n"
-                 "0,0,0,0,0,0,0\n"
-                 "1,-12.5,0.1,1e-07,-12.5,0.3333333333333333,1e-07\n");
 }
 
 double powerAt(const std::vector<double>& values, double frequencyHz, double rate) {
@@ -93,7 +77,7 @@ TEST(HandShake, IsSlowDriftWithTheTremorAskedAndNothingElse) {
     }
 }
 
-TEST(CameraPath, SweepsSteadilyAndShakesUpToTheStrengthAsked) {
+TEST(ShakyPath, SweepsSteadilyAndShakesUpToTheStrengthAsked) {
     SimulationSettings settings;
     settings.direction = SweepDirection::Bottom2Top;
     const auto poses = cameraPath(settings);
@@ -101,7 +85,7 @@ TEST(CameraPath, SweepsSteadilyAndShakesUpToTheStrengthAsked) {
     for (int k = 0; k < settings.frames; ++k) {
         x = std::max(x, std::abs(poses[k].x));
         y = std::max(y, std::abs(poses[k].y + settings.speed * k));
-        roll = std::max(roll, std::abs(poses[k].roll));
+        roll = std::max(roll, std::abs(poses[k].a));
     }
     EXPECT_NEAR(x, settings.shake, 1e-9);
     EXPECT_NEAR(y, settings.shake, 1e-9);

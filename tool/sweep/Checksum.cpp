@@ -1,0 +1,87 @@
+#include "sweep/Checksum.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "terminal/ToolError.h"
+
+extern "C" {
+#include <libavutil/mem.h>
+#include <libavutil/sha.h>
+}
+
+namespace orbitwalk::tool {
+
+namespace {
+
+constexpr int kBits = 256;
+
+class Sha {
+  public:
+    Sha() {
+        if (!mState)
+            throw std::bad_alloc();
+        av_sha_init(mState.get(), kBits);
+    }
+
+    void add(std::span<const char> bytes) {
+        av_sha_update(mState.get(), reinterpret_cast<const std::uint8_t*>(bytes.data()),
+                      bytes.size());
+    }
+
+    std::string digits() {
+        std::array<std::uint8_t, kBits / 8> digest;
+        av_sha_final(mState.get(), digest.data());
+        std::string text;
+        for (const std::uint8_t byte : digest)
+            for (const int digit : {byte >> 4, byte & 15})
+                text += "0123456789abcdef"[digit];
+        return text;
+    }
+
+  private:
+    struct Free {
+        void operator()(AVSHA* state) const { av_free(state); }
+    };
+    std::unique_ptr<AVSHA, Free> mState{av_sha_alloc()};
+};
+
+}  // namespace
+
+std::string sha256(std::span<const char> bytes) {
+    Sha sha;
+    sha.add(bytes);
+    return sha.digits();
+}
+
+std::string sha256OfStream(std::FILE* stream) {
+    Sha sha;
+    std::array<char, 1 << 16> block;
+    std::rewind(stream);
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), stream))
+        sha.add(std::span(block).first(count));
+    if (std::ferror(stream))
+        throw ToolError(std::strerror(errno));
+    return sha.digits();
+}
+
+std::string sha256OfFile(const std::filesystem::path& file) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error))
+        throw ToolError(file.string() + ": " + (error ? error.message() : "no regular file"));
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.c_str(), "rb"),
+                                                                 std::fclose);
+    try {
+        if (!stream)
+            throw ToolError(std::strerror(errno));
+        return sha256OfStream(stream.get());
+    } catch (const ToolError& failure) {
+        throw ToolError(file.string() + ": " + failure.what());
+    }
+}
+
+}  // namespace orbitwalk::tool

@@ -1,0 +1,33 @@
+#include "sweep/ShotReader.h"
+
+namespace orbitwalk::tool {
+
+ShotReader::ShotReader(const Sweep& sweep, std::vector<Shot> shots)
+    : mName(sweep.files.video),
+      mShots(std::move(shots)),
+      mVideo(sweep.files.video),
+      mFramesInRecord(sweep.record.frameCount()) {
+    requireSize(mName, {mVideo.width(), mVideo.height()}, sweep.size());
+}
+
+std::optional<ShotFrame> ShotReader::next() {
+    const bool ended = mNext == mShots.size();
+    while (ended || mFramesRead <= mShots[mNext].frame)
+        if (!decodeFrame()) {
+            requireFrameCount(mName, mFramesRead, mFramesInRecord);
+            return std::nullopt;
+        }
+    const Shot& shot = mShots[mNext++];
+    return ShotFrame{shot, mFrame};
+}
+
+bool ShotReader::decodeFrame() {
+    auto pixels = std::make_shared<std::vector<std::uint8_t>>();
+    if (!mVideo.read(*pixels))
+        return false;
+    mFrame = std::move(pixels);
+    ++mFramesRead;
+    return true;
+}
+
+}  // namespace orbitwalk::tool

@@ -48,7 +48,9 @@ struct Room {
 /// also makes the variables of one size.
 struct PathWeights {
     double radius = 0;
-    double angle = 1;
+    /// Of turns: 1 for the picture's mean. More, as a picture that shifts a little less evenly is
+    /// hardly noticed, one that rolls is; docs/refine.md has what it costs.
+    double angle = 20;
     double second = 1;  ///< Of the second difference of r, beside 1 for the first.
 };
 

@@ -20,9 +20,10 @@ PathPlan planned(const std::vector<FrameMotion>& motions, double keep,
     return std::get<PathPlan>(planPath(motions, size, keep, options));
 }
 
-/// Mean square over the picture of the first and second differences of what is seen.
+/// First and second differences of what is seen, squared; turns by what they move the picture's
+/// points on average, twenty times.
 double unsteadiness(const std::vector<SimilarityTransform>& seen, const CropRectangle& crop) {
-    const double radius2 = (std::pow(crop.width, 2) + std::pow(crop.height, 2)) / 12;
+    const double radius2 = 20 * (std::pow(crop.width, 2) + std::pow(crop.height, 2)) / 12;
     const auto square = [&](double x, double y, double a) {
         return x * x + y * y + radius2 * a * a;
     };

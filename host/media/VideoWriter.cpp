@@ -77,6 +77,7 @@ VideoWriter::State::State(std::FILE* stream, const EncoderSettings& settings)
     mp4->pb = output.io();
     // No version strings: the same frames give the same bytes.
     mp4->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;
+    av_dict_set(&mp4->metadata, "comment", kMadeWith, 0);
     track = avformat_new_stream(mp4, nullptr);
     if (!track)
         throw std::bad_alloc();

@@ -10,6 +10,9 @@
 
 namespace orbitwalk::media {
 
+/// The comment in every file that a VideoWriter writes, by which it can be known again.
+inline constexpr char kMadeWith[] = "Made with Orbitwalk";
+
 /// Encodes I420 frames of video range at a constant rate as H.264 in an MP4 on a stream that stays
 /// the caller's: libx264 where FFmpeg has it, else the H.264 (or failing that the MPEG-4) encoder
 /// that libavcodec offers. The same frames give the same bytes. One thread at a time.

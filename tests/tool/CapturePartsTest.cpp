@@ -10,7 +10,6 @@
 #include "capture/Notes.h"
 #include "capture/RepeatedMotion.h"
 #include "capture/SweepPath.h"
-#include "files/OutputFiles.h"
 #include "support/TestDirectory.h"
 #include "sweep/Summary.h"
 #include "terminal/ToolError.h"
@@ -65,30 +64,6 @@ TEST(RepeatedMotion, CountsFramesThatCouldNotBeMeasured) {
         repeated.takeLine(line);
     // 2 and 7 were said to lack points, 3 had an empty estimate, 6 stands still.
     EXPECT_EQ(repeated.frames(), (std::set{2, 3, 7}));
-}
-
-TEST(OutputFiles, PutFormerFilesBackWhenOneCannotBePlaced) {
-    const test_support::TestDirectory dir;
-    test_support::writeFile(dir / "a", "former");
-    {
-        OutputFiles files(dir / "");
-        files.write("a", std::string("new"));
-        files.write("b", std::string("second"));
-        std::filesystem::create_directory(dir / "b");
-        EXPECT_THROW(files.commit(), ToolError);
-    }
-    EXPECT_EQ(test_support::namesIn(dir / ""), (Names{"a", "b"}));
-    EXPECT_EQ(test_support::contentOf(dir / "a"), "former");
-}
-
-TEST(OutputFiles, ReplaceNeitherDirectoriesNorDevices) {
-    const test_support::TestDirectory dir;
-    std::filesystem::create_directory(dir / "folder");
-    std::filesystem::create_symlink("/dev/null", dir / "device");
-    OutputFiles files(dir / "");
-    EXPECT_THROW(files.create("folder"), ToolError);
-    EXPECT_THROW(files.create("device"), ToolError);
-    EXPECT_EQ(test_support::namesIn(dir / ""), (Names{"device", "folder"}));
 }
 
 TEST(EngineTempDirectory, RefusesAPathThatDoesNotFit) {

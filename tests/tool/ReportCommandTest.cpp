@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <nlohmann/json.hpp>
 
+#include "files/OwnFiles.h"
 #include "support/TestDirectory.h"
 #include "tool/AnalyticSweep.h"
 #include "tool/RunTool.h"
@@ -67,9 +71,13 @@ TEST_F(ReportCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
         {[&] { writeFile(input / "sweep.json", "{\"video\": 3}\n"); }, page,
          "sweep.json: no summary of a capture"},
         {[&] { fs::create_directory(input / "sweep.json"); }, page, "sweep.json"},
-        {nothing, input / "sweep.json", "that name is taken"},
-        {nothing, input, "cannot write"},
-        {nothing, input / "sweep.csv" / "r.html", "cannot write"},
+        {[&] { fs::create_symlink("sweep.csv", input / "s.html"); }, input / "s.html",
+         "that name is taken"},
+        {[&] { fs::create_directory(input / "d.html"); }, input / "d.html", "Is a directory"},
+        {nothing, input / "sweep.csv" / "r.html", "sweep.csv is not a directory"},
+        {nothing, directory / "none" / "r.html", "there is no directory"},
+        {[&] { writeFile(input / "mine.html", "<p>"); }, input / "mine.html",
+         "orbitwalk did not write"},
     };
     for (const Case& c : cases) {
         fs::remove_all(input);
@@ -84,12 +92,39 @@ TEST_F(ReportCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
 }
 
 TEST_F(ReportCommand, AFullDiskLeavesTheFormerPage) {
-    writeFile(page, "former");
+    const std::string former = "former, " + std::string(orbitwalk::tool::kMark);
+    writeFile(page, former);
     const ToolRun run = report(page, 20000);
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err, "orbitwalk: cannot write " + page + ": File too large\n");
-    EXPECT_EQ(contentOf(page), "former");
+    EXPECT_EQ(contentOf(page), former);
     EXPECT_EQ(namesIn(directory / ""), (std::vector<std::string>{"r.html", "sweep"}));
+}
+
+TEST_F(ReportCommand, PrintsJsonOrNothingWhenAsked) {
+    const ToolRun run = runTool({"report", input.string(), "-o", page, "--json"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    const auto summary = nlohmann::json::parse(run.out);
+    EXPECT_EQ(summary.at("report"), page);
+    EXPECT_EQ(summary.at("frames"), AnalyticSweep::frames);
+    EXPECT_EQ(summary.at("bytes"), fs::file_size(page));
+    const ToolRun quiet = runTool({"report", input.string(), "-o", page, "-q"});
+    EXPECT_EQ(quiet.exitCode, 0) << "its own page needs no --force: " << quiet.err;
+    EXPECT_EQ(quiet.out + quiet.err, "");
+    writeFile(page, "mine");
+    EXPECT_EQ(runTool({"report", input.string(), "-o", page, "--force"}).exitCode, 0);
+}
+
+TEST_F(ReportCommand, ASignalEndsTheWaitForAPipe) {
+    ASSERT_EQ(mkfifo((input / "sweep.json").c_str(), 0600), 0);
+    // The shell comes past the pipe when the tool has opened it, and keeps it open.
+    const std::string pipe = (input / "sweep.json").string();
+    const ToolRun run = runProgram(
+        "/bin/sh", {"-c", ORBITWALK_TOOL " report " + input.string() + " -o " + page +
+                              " & exec 3>" + pipe + "; kill -TERM $!; wait $!; exit $?"});
+    EXPECT_EQ(run.exitCode, 128 + SIGTERM);
+    EXPECT_EQ(run.err, "orbitwalk: interrupted (Terminated), nothing was kept\n");
+    EXPECT_EQ(namesIn(directory / ""), std::vector<std::string>{"sweep"});
 }
 
 }  // namespace

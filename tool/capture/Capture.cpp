@@ -109,7 +109,7 @@ Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& 
 Summary runSession(const CaptureOptions& options, media::VideoReader& video, OutputFiles& outputs,
                    const SignalGuard& signals) {
     Summary summary;
-    std::FILE* const mp4 = outputs.create(kSweepVideoName);
+    std::FILE* const mp4 = outputs.create(options.directory / kSweepVideoName);
     Session session({.width = video.width(),
                      .height = video.height(),
                      .orientation = options.orientation.value_or(0),
@@ -124,8 +124,8 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
     const std::set<int> repeated = session.repeatedFrames();
     const std::span recordBytes(reinterpret_cast<const char*>(&record), sizeof record);
     const std::string csv = sweepCsv(rowsOf(feed.path, selection.flags, repeated));
-    outputs.write(kSweepRecordName, recordBytes);
-    outputs.write(kSweepPathName, csv);
+    outputs.write(options.directory / kSweepRecordName, recordBytes);
+    outputs.write(options.directory / kSweepPathName, csv);
     summary.checksums = checksumsOf(mp4, recordBytes, csv);
 
     fillFromVideo(summary, options, video);
@@ -151,7 +151,8 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
 
 Summary captureSweep(const CaptureOptions& options) {
     const SignalGuard signals;
-    OutputFiles outputs(options.directory);
+    OutputFiles outputs(true);
+    outputs.makeDirectory(options.directory);
     double seconds = 0;
     Summary summary = timed(seconds, [&] {
         media::VideoReader video(options.video);
@@ -160,7 +161,7 @@ Summary captureSweep(const CaptureOptions& options) {
         return runSession(options, video, outputs, signals);
     });
     summary.seconds.total = seconds;
-    outputs.write(kSweepSummaryName, toJsonText(summary));
+    outputs.write(options.directory / kSweepSummaryName, toJsonText(summary));
     signals.check();
     outputs.commit();
     return summary;

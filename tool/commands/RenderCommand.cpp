@@ -42,8 +42,7 @@ void checkOutputs(const RenderOptions& options) {
 
 /// One file, which appears under its name when everything was rendered.
 struct Output {
-    explicit Output(const fs::path& file)
-        : path(file), files(file.parent_path()), stream(files.create(file.filename())) {}
+    explicit Output(const fs::path& file) : path(file), files(true), stream(files.create(file)) {}
 
     fs::path path;
     OutputFiles files;

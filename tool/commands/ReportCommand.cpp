@@ -1,15 +1,18 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 #include "commands/Commands.h"
 #include "files/OutputFiles.h"
+#include "files/OwnFiles.h"
 #include "report/Pictures.h"
 #include "report/ReportData.h"
 #include "report/ReportJson.h"
 #include "report/ReportPage.h"
 #include "sweep/Sweep.h"
 #include "sweep/SweepFiles.h"
+#include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
@@ -24,32 +27,45 @@ namespace fs = std::filesystem;
 struct ReportOptions {
     fs::path directory;
     fs::path page;
+    CommonOptions common;
 };
 
-ReportPictures readPictures(const Sweep& sweep, const ReportData& data,
-                            const SignalGuard& signals) {
+ReportPictures readPictures(const Sweep& sweep, const ReportData& data) {
     ProgressBar bar("Reading", data.rendered);
     return reportPictures(sweep, data.cropView.frame, [&](int done) {
         bar.update(done);
-        signals.check();
+        SignalGuard::check();
     });
 }
 
+std::string summaryJson(const ReportOptions& options, const ReportData& data, std::size_t bytes) {
+    const nlohmann::ordered_json summary{
+        {"report", options.page.string()}, {"frames", data.frames}, {"bytes", bytes}};
+    // A file name may hold bytes that are not UTF-8; JSON cannot.
+    return summary.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+std::string summaryText(const ReportOptions& options, const ReportData& data, std::size_t bytes) {
+    char facts[80];
+    std::snprintf(facts, sizeof facts, ": report on %d frames, %.1f MB\n", data.frames,
+                  static_cast<double>(bytes) / 1e6);
+    return shown(options.page) + facts;
+}
+
 void writeReport(const ReportOptions& options) {
+    requireExtension("--output", options.page, {".html", ".htm"});
     refuseTakenNames(options.directory, {options.page});
     const SignalGuard signals;
     const Sweep sweep = openSweep(options.directory);
     const ReportData data = reportData(sweep.record, requirePath(sweep), sweep.summary);
-    OutputFiles files(options.page.parent_path());
-    std::FILE* const stream = files.create(options.page.filename());
-    const std::string page = reportPage(reportJson(data, readPictures(sweep, data, signals)));
+    OutputFiles files(options.common.force);
+    std::FILE* const stream = files.create(options.page);
+    const std::string page = reportPage(reportJson(data, readPictures(sweep, data)));
     files.append(stream, page);
-    signals.check();
+    SignalGuard::check();
     files.commit();
-    char facts[80];
-    std::snprintf(facts, sizeof facts, ": report on %d frames, %.1f MB\n", data.frames,
-                  static_cast<double>(page.size()) / 1e6);
-    printOut(options.page.string() + facts);
+    printSummary(options.common, summaryJson(options, data, page.size()),
+                 summaryText(options, data, page.size()));
 }
 
 }  // namespace
@@ -66,6 +82,7 @@ void addReportCommand(CLI::App& app) {
         ->add_option("-o,--output", options->page,
                      "Page to write, HTML; it needs no other file and no network")
         ->required();
+    addCommonOptions(*command, options->common, Writes::Files);
     command->callback([options] { writeReport(*options); });
 }
 

@@ -159,18 +159,17 @@ std::string asJson(const Simulation& simulation, const SimulateOptions& options,
 
 void writeFiles(Simulation& simulation, const SimulateOptions& options,
                 const SignalGuard& signals) {
-    OutputFiles clip(options.clip.parent_path()), truth(options.truth.parent_path());
-    std::FILE* const stream = clip.create(options.clip.filename());
+    OutputFiles files(true);
+    std::FILE* const stream = files.create(options.clip);
     if (!options.truth.empty())
-        truth.write(options.truth.filename(), truthCsv(simulation.truth()));
+        files.write(options.truth, truthCsv(simulation.truth()));
     try {
         writeClip(simulation, options, stream, signals);
     } catch (const media::MediaError& error) {
         throw ToolError(options.clip.string() + ": " + error.what());
     }
     signals.check();
-    truth.commit();
-    clip.commit();
+    files.commit();
 }
 
 void simulate(SimulateOptions options) {

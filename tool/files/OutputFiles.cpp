@@ -1,10 +1,14 @@
 #include "files/OutputFiles.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <ranges>
 
+#include "files/OwnFiles.h"
 #include "terminal/ToolError.h"
 
 namespace fs = std::filesystem;
@@ -16,27 +20,43 @@ namespace {
     throw ToolError("cannot write " + path.string() + ": " + reason);
 }
 
-/// A directory or a device cannot be replaced by a file.
-void requireFileOrNothing(const fs::path& target) {
-    const fs::file_status status = fs::status(target);
-    if (fs::is_directory(status))
-        fail(target, std::strerror(EISDIR));
-    if (fs::exists(status) && !fs::is_regular_file(status))
-        fail(target, "it is no regular file");
+void requireDirectory(const fs::path& file) {
+    const fs::path directory = file.parent_path().empty() ? "." : file.parent_path();
+    std::error_code cannotTell;
+    const fs::file_status status = fs::status(directory, cannotTell);
+    if (status.type() == fs::file_type::not_found)
+        fail(file, "there is no directory " + directory.string());
+    if (fs::exists(status) && !fs::is_directory(status))
+        fail(file, directory.string() + " is not a directory");
 }
 
-/// A hidden name beside the file's own that another process does not use.
-std::string hiddenName(const std::string& name, const char* purpose) {
-    std::string hidden(".");
-    hidden += name;
-    hidden += purpose;
-    hidden += std::to_string(getpid());
-    return hidden;
+/// A new file of a name that nobody has, with the mode of the one that it will replace.
+/// @return no stream, and errno, when that fails.
+std::FILE* openPart(const fs::path& part, const fs::path& target) {
+    // O_EXCL refuses a name that exists, be it a link that someone else laid out.
+    const int file = open(part.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (file < 0)
+        return nullptr;
+    struct stat replaced {};
+    if (stat(target.c_str(), &replaced) == 0)
+        fchmod(file, replaced.st_mode & 0777);
+    return fdopen(file, "w+b");
+}
+
+/// A second name for a file, so that the first one never stands empty; a copy where the file system
+/// has no second names, or the file is someone else's.
+void keepAs(const fs::path& former, const fs::path& target) {
+    if (link(target.c_str(), former.c_str()) == 0)
+        return;
+    std::error_code error;
+    fs::copy_file(target, former, error);
+    if (error)
+        fail(target, error.message());
 }
 
 }  // namespace
 
-OutputFiles::OutputFiles(const fs::path& directory) : mDirectory(directory.lexically_normal()) {}
+OutputFiles::OutputFiles(bool force) : mForce(force) {}
 
 OutputFiles::~OutputFiles() {
     std::error_code ignored;
@@ -45,41 +65,46 @@ OutputFiles::~OutputFiles() {
         if (!mCommitted)
             fs::remove(file.temporary, ignored);
     }
-    for (auto made = mMade.rbegin(); !mCommitted && made != mMade.rend(); ++made)
-        fs::remove(*made, ignored);
+    for (const fs::path& made : mMade)
+        if (!mCommitted)
+            fs::remove(made, ignored);
 }
 
-void OutputFiles::makeDirectory() {
+void OutputFiles::makeDirectory(const fs::path& directory) {
     std::error_code error;
-    fs::path path;
-    for (const fs::path& part : mDirectory) {
-        path /= part;
-        if (path.has_filename() && fs::create_directory(path, error))
-            mMade.push_back(path);
-        if (error && fs::exists(path) && !fs::is_directory(path))
-            fail(mDirectory, path.string() + " is not a directory");
-        if (error)
-            fail(mDirectory, error.message());
-    }
+    // A path that ends in a slash names the same directory.
+    const fs::path path = directory.has_filename() ? directory : directory.parent_path();
+    const fs::path parent = path.parent_path();
+    if (!parent.empty() && fs::status(parent, error).type() == fs::file_type::not_found)
+        fail(path, "there is no directory " + parent.string());
+    if (fs::create_directory(path, error))
+        mMade.push_back(path);
+    else if (error && fs::exists(fs::symlink_status(path)))
+        throw ToolError(path.string() + " is not a directory");
+    else if (error)
+        fail(path, error.message());
 }
 
-std::FILE* OutputFiles::create(const std::string& name) {
-    if (mFiles.empty())
-        makeDirectory();
-    File file{.target = mDirectory / name,
-              .temporary = mDirectory / hiddenName(name, ".part-"),
-              .former = mDirectory / hiddenName(name, ".former-"),
-              .stream = {}};
-    requireFileOrNothing(file.target);
-    // "x" refuses a name that exists, be it a link that someone else laid out.
-    file.stream.reset(std::fopen(file.temporary.c_str(), "w+bx"));
-    if (!file.stream)
-        fail(file.target, std::strerror(errno));
-    return mFiles.emplace_back(std::move(file)).stream.get();
+std::FILE* OutputFiles::create(const fs::path& file, bool known) {
+    const std::string name = file.filename();
+    File made{.target = file,
+              .temporary = file.parent_path() / partName(name),
+              .former = file.parent_path() / formerName(name),
+              .stream = {},
+              .known = known};
+    if (name.empty())
+        fail(file, std::strerror(EISDIR));
+    requireDirectory(file);
+    requireReplaceable(made);
+    mLocks.try_emplace(file.parent_path(), file.parent_path());
+    made.stream.reset(openPart(made.temporary, made.target));
+    if (!made.stream)
+        fail(file, std::strerror(errno));
+    return mFiles.emplace_back(std::move(made)).stream.get();
 }
 
-void OutputFiles::write(const std::string& name, std::span<const char> bytes) {
-    append(create(name), bytes);
+void OutputFiles::write(const fs::path& file, std::span<const char> bytes) {
+    append(create(file), bytes);
 }
 
 void OutputFiles::append(std::FILE* stream, std::span<const char> bytes) {
@@ -98,14 +123,28 @@ void OutputFiles::commit() {
         for (File& file : mFiles)
             putInPlace(file);
     } catch (...) {
-        for (File& file : mFiles)
+        for (File& file : std::views::reverse(mFiles))
             putBack(file);
         throw;
     }
     mCommitted = true;
     std::error_code ignored;
     for (const File& file : mFiles)
-        fs::remove(file.former, ignored);
+        if (file.replaces)
+            fs::remove(file.former, ignored);
+}
+
+/// A directory or a device cannot be replaced by a file, and what others wrote is theirs.
+void OutputFiles::requireReplaceable(const File& file) const {
+    std::error_code cannotTell;
+    const fs::file_status status = fs::status(file.target, cannotTell);
+    if (fs::is_directory(status))
+        fail(file.target, std::strerror(EISDIR));
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        fail(file.target, "it is no regular file");
+    const bool stands = fs::exists(fs::symlink_status(file.target, cannotTell));
+    if (stands && !mForce && !file.known && !isOwnFile(file.target))
+        fail(file.target, "orbitwalk did not write the file of that name; --force replaces it");
 }
 
 void OutputFiles::closeAll() {
@@ -118,25 +157,24 @@ void OutputFiles::closeAll() {
 }
 
 void OutputFiles::putInPlace(File& file) {
-    std::error_code error;
-    requireFileOrNothing(file.target);
+    requireReplaceable(file);
     if (fs::exists(fs::symlink_status(file.target))) {
-        fs::rename(file.target, file.former, error);
-        file.replaces = !error;
+        file.replaces = true;
+        keepAs(file.former, file.target);
     }
-    if (!error)
-        fs::rename(file.temporary, file.target, error);
-    if (error)
-        fail(file.target, error.message());
+    if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0)
+        fail(file.target, std::strerror(errno));
     file.placed = true;
 }
 
 void OutputFiles::putBack(File& file) noexcept {
     std::error_code ignored;
-    if (file.placed)
+    if (file.placed && !file.replaces)
         fs::remove(file.target, ignored);
-    if (file.replaces)
+    if (file.placed && file.replaces)
         fs::rename(file.former, file.target, ignored);
+    if (!file.placed && file.replaces)
+        fs::remove(file.former, ignored);
 }
 
 }  // namespace orbitwalk::tool

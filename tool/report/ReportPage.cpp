@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "files/OwnFiles.h"
 #include "report/ReportAssets.h"
 
 namespace orbitwalk::tool {
@@ -23,6 +24,8 @@ std::string scriptText(std::string_view code) {
 std::string_view valueOf(std::string_view name, std::string_view json) {
     static const std::string plotScript = scriptText(assets::kPlotScript);
     static const std::string script = scriptText(assets::kScript);
+    if (name == "mark")
+        return kMark;
     if (name == "licence")
         return assets::kPlotLicence;
     if (name == "plot-style")

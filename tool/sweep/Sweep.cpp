@@ -1,11 +1,11 @@
 #include "sweep/Sweep.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
+#include <span>
 #include <string>
 
+#include "files/TextFile.h"
 #include "sweep/SmoothedPath.h"
 #include "terminal/ToolError.h"
 
@@ -22,19 +22,6 @@ std::string textOf(cv::Size size) {
 std::string textOf(const CropRectangle& crop) {
     return textOf(cv::Size(crop.width, crop.height)) + " at " + std::to_string(crop.x) + "," +
            std::to_string(crop.y);
-}
-
-std::vector<std::byte> readLimited(const fs::path& path, std::size_t limit) {
-    const auto fail = [&] { throw ToolError(path.string() + ": " + std::strerror(errno)); };
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                               std::fclose);
-    if (!file)
-        fail();
-    std::vector<std::byte> bytes(limit);
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-    if (std::ferror(file.get()))
-        fail();
-    return bytes;
 }
 
 void requireRecordOfSummary(const Summary& summary, const RecordReader& record) {
@@ -85,7 +72,8 @@ const std::vector<SweepRow>& requirePath(const Sweep& sweep) {
 }
 
 RecordReader readRecordFile(const fs::path& file) {
-    auto opened = RecordReader::open(readLimited(file, OBW_METADATA_SIZE + 1));
+    const std::string bytes = readFileUpTo(file, OBW_METADATA_SIZE + 1);
+    auto opened = RecordReader::open(std::as_bytes(std::span(bytes)));
     if (const auto* refusal = std::get_if<RecordRefusal>(&opened))
         throw ToolError(file.string() + ": not a motion record: " + refusal->text);
     return std::get<RecordReader>(std::move(opened));

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "files/OwnFiles.h"
 #include "files/TextFile.h"
 #include "sweep/CsvFields.h"
 #include "terminal/ToolError.h"
@@ -9,8 +10,6 @@
 namespace orbitwalk::tool {
 
 namespace {
-
-constexpr std::string_view kHeader = "frame,x,y,a,flag,repeated";
 
 bool parseRow(std::string_view line, int frame, SweepRow& row) {
     int number = 0;
@@ -29,7 +28,7 @@ bool parseRow(std::string_view line, int frame, SweepRow& row) {
 }  // namespace
 
 std::string sweepCsv(std::span<const SweepRow> path) {
-    std::string csv(kHeader);
+    std::string csv(kSweepTableHeader);
     csv += '\n';
     for (std::size_t i = 0; i < path.size(); ++i) {
         csv += std::to_string(i);
@@ -44,8 +43,8 @@ std::string sweepCsv(std::span<const SweepRow> path) {
 }
 
 std::vector<SweepRow> parseSweepCsv(std::string_view text) {
-    if (takeLine(text) != kHeader)
-        throw ToolError("its first line is not " + std::string(kHeader));
+    if (takeLine(text) != kSweepTableHeader)
+        throw ToolError("its first line is not " + std::string(kSweepTableHeader));
     std::vector<SweepRow> rows;
     while (!text.empty()) {
         SweepRow row;

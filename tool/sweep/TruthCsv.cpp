@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "files/OwnFiles.h"
 #include "files/TextFile.h"
 #include "orbitwalk/MetaData.h"
 #include "sweep/CsvFields.h"
@@ -11,8 +12,6 @@
 namespace orbitwalk::tool {
 
 namespace {
-
-constexpr std::string_view kHeader = "frame,dx,dy,da,x,y,a";
 
 bool parseRow(std::string_view line, int frame, Trajectory& row) {
     int number = 0;
@@ -29,7 +28,7 @@ bool parseRow(std::string_view line, int frame, Trajectory& row) {
 }  // namespace
 
 std::string truthCsv(std::span<const TrueMotion> truth) {
-    std::string csv(kHeader);
+    std::string csv(kTruthTableHeader);
     csv += '\n';
     for (std::size_t k = 0; k < truth.size(); ++k) {
         const auto& [step, sum] = truth[k];
@@ -42,8 +41,8 @@ std::string truthCsv(std::span<const TrueMotion> truth) {
 }
 
 std::vector<Trajectory> parseTruthCsv(std::string_view text) {
-    if (takeLine(text) != kHeader)
-        throw ToolError("its first line is not " + std::string(kHeader));
+    if (takeLine(text) != kTruthTableHeader)
+        throw ToolError("its first line is not " + std::string(kTruthTableHeader));
     std::vector<Trajectory> rows;
     while (!text.empty()) {
         Trajectory row;

@@ -1,10 +1,34 @@
 #pragma once
 
+#include <concepts>
+#include <filesystem>
 #include <string>
+#include <string_view>
 
+/// What a command says, and the only ways it says it. From one thread at a time.
 namespace orbitwalk::tool {
 
-/// Prints on stdout, to the end. @throws ToolError with the reason when it cannot.
-void printOut(const std::string& text);
+/// Text from elsewhere (file names, what a file holds, a library's words) as one harmless line:
+/// control characters, what turns the direction of writing and bytes that are no UTF-8 are spelled
+/// out (\n, \x1b, \u202e), so that they do nothing to a terminal. Other UTF-8 stays.
+std::string shown(std::string_view text);
+
+/// The same for a file's name; a template, so that a string is not taken for one.
+template <std::same_as<std::filesystem::path> Path>
+std::string shown(const Path& path) {
+    return shown(std::string_view(path.native()));
+}
+
+/// From here on notes, progress and summaries as text are left out.
+void setQuiet(bool quiet);
+bool isQuiet();
+
+/// Prints on stdout, to the end, as it is. @throws ToolError with the reason when it cannot.
+void printOut(std::string_view text);
+
+/// One line on stderr each, made harmless. A note is left out when quiet.
+void printNote(std::string_view line);
+void printWarning(std::string_view line);
+void printError(std::string_view line);
 
 }  // namespace orbitwalk::tool

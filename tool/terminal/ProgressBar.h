@@ -6,11 +6,17 @@
 
 namespace orbitwalk::tool {
 
-/// A line on stderr that shows how far long work is; silent where stderr is no terminal. Redraws at
-/// most ten times a second.
+/// A line of progress that fits the columns, without an end: label, a bar, steps done of all, rate
+/// and time left, of which a narrow terminal shows less.
+/// @param total  0 when unknown: then there is no bar and no time left.
+std::string progressLine(const std::string& label, std::int64_t done, std::int64_t total,
+                         double seconds, int columns);
+
+/// A line on stderr that shows how far long work is; silent where stderr is no terminal, and when
+/// quiet. Redraws at most ten times a second.
 class ProgressBar {
   public:
-    /// @param total  number of steps, 0 when unknown: then only the count and the rate are shown.
+    /// @param total  number of steps, 0 when unknown.
     ProgressBar(std::string label, std::int64_t total);
     /// Clears the line.
     ~ProgressBar();

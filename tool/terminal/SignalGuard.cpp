@@ -1,5 +1,6 @@
 #include "terminal/SignalGuard.h"
 
+#include <atomic>
 #include <cstring>
 
 #include "terminal/ToolError.h"
@@ -7,7 +8,8 @@
 namespace orbitwalk::tool {
 namespace {
 
-volatile std::sig_atomic_t caughtSignal = 0;
+std::atomic<int> caughtSignal = 0;
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler writes it");
 
 extern "C" void noteSignal(int signal) {
     caughtSignal = signal;
@@ -26,6 +28,7 @@ SignalGuard::SignalGuard() {
 SignalGuard::~SignalGuard() {
     for (const auto& [signal, action] : mFormer)
         sigaction(signal, &action, nullptr);
+    caughtSignal = 0;
 }
 
 void SignalGuard::replace(int signal, void (*handler)(int)) {
@@ -36,13 +39,16 @@ void SignalGuard::replace(int signal, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
     sigaction(signal, &action, nullptr);
     mFormer.emplace_back(signal, former);
 }
 
-void SignalGuard::check() const {
-    if (const int signal = caughtSignal; signal != 0)
+int SignalGuard::received() {
+    return caughtSignal;
+}
+
+void SignalGuard::check() {
+    if (const int signal = received(); signal != 0)
         throw ToolError("interrupted (" + std::string(strsignal(signal)) + "), nothing was kept",
                         128 + signal);
 }

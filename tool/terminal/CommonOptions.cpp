@@ -1,0 +1,25 @@
+#include "terminal/CommonOptions.h"
+
+#include "terminal/Print.h"
+
+namespace orbitwalk::tool {
+
+void addCommonOptions(CLI::App& command, CommonOptions& options, Writes writes) {
+    command.add_flag("--json", options.json, "Print the result as JSON");
+    command
+        .add_flag("-q,--quiet", options.quiet,
+                  "Print no progress, no notes and no text; warnings, errors and JSON stay")
+        ->each([](const std::string& value) { setQuiet(value == "true"); });
+    if (writes == Writes::Files)
+        command.add_flag("--force", options.force,
+                         "Replace files that orbitwalk did not write, too");
+}
+
+void printSummary(const CommonOptions& options, const std::string& json, const std::string& text) {
+    if (options.json)
+        printOut(json);
+    else if (!isQuiet())
+        printOut(text);
+}
+
+}  // namespace orbitwalk::tool

@@ -95,6 +95,7 @@ int main(int argc, char** argv) {
         orbitwalk::tool::addEvaluateCommand(app);
         orbitwalk::tool::addRenderCommand(app);
         orbitwalk::tool::addReportCommand(app);
+        orbitwalk::tool::addRefineCommand(app);
         return run(app, argc, argv);
     } catch (const orbitwalk::tool::ToolError& error) {
         printError(error.what());

@@ -7,11 +7,14 @@
 /// MediaError.
 namespace orbitwalk::tool {
 
+inline constexpr char kRefinedHelp[] = "Take the record of orbitwalk refine, not the engine's";
+
 void addSimulateCommand(CLI::App& app);
 void addCaptureCommand(CLI::App& app);
 void addInspectCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
 void addRenderCommand(CLI::App& app);
 void addReportCommand(CLI::App& app);
+void addRefineCommand(CLI::App& app);
 
 }  // namespace orbitwalk::tool

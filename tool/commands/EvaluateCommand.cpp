@@ -25,6 +25,7 @@ struct EvaluateOptions {
     fs::path truth;
     fs::path video;
     fs::path against;
+    bool refined = false;
     bool json = false;
 };
 
@@ -93,7 +94,8 @@ void evaluate(const EvaluateOptions& options) {
     checkOptions(options);
     std::optional<Sweep> sweep;
     if (!options.directory.empty())
-        sweep.emplace(openSweep(options.directory));
+        sweep.emplace(openSweep(options.directory,
+                                options.refined ? RecordBy::Refinement : RecordBy::Engine));
     Evaluation evaluation;
     if (sweep)
         evaluation.sweep = sweepFacts(sweep->record);
@@ -118,6 +120,7 @@ void addEvaluateCommand(CLI::App& app) {
     command->add_option("--against", options->against,
                         "Video that it was made from, frame by frame; with DIR, sweep.mp4 or the "
                         "clip captured");
+    command->add_flag("--refined", options->refined, kRefinedHelp);
     command->add_flag("--json", options->json, "Figures as JSON");
     command->callback([options] { evaluate(*options); });
 }

@@ -30,6 +30,9 @@ struct RenderOptions {
     fs::path strip;
     fs::path panorama;
     SteadySettings steady;
+    bool refined = false;
+
+    RecordBy recordBy() const { return refined ? RecordBy::Refinement : RecordBy::Engine; }
 };
 
 void checkOutputs(const RenderOptions& options) {
@@ -97,7 +100,7 @@ Told describe(const char* kind, const cv::Mat& picture, double seconds) {
 class Rendering {
   public:
     explicit Rendering(const RenderOptions& options)
-        : mOptions(options), mSweep(openSweep(options.directory)) {}
+        : mOptions(options), mSweep(openSweep(options.directory, options.recordBy())) {}
 
     void run() {
         const auto video = begin(mOptions.video);
@@ -190,6 +193,7 @@ void addRenderCommand(CLI::App& app) {
                         "Contact sheet to write, PNG: frames as recorded above the steady ones");
     command->add_option("--panorama", options->panorama,
                         "The whole sweep as one picture to write, PNG");
+    command->add_flag("--refined", options->refined, kRefinedHelp);
     command->add_flag("--compare", steady.compare,
                       "Put the frames as recorded on the left of the steady ones; the video is "
                       "twice as wide, at most 3840 pixels");

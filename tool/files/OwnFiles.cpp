@@ -47,7 +47,7 @@ bool isRecord(const std::filesystem::path& file, std::size_t size) {
 
 bool isTable(std::string_view head) {
     const std::string_view line = head.substr(0, head.find('\n'));
-    return line == kSweepTableHeader || line == kTruthTableHeader;
+    return line == kSweepTableHeader || line == kTruthTableHeader || line == kMotionTableHeader;
 }
 
 bool isOwnJson(std::string_view head) {

@@ -11,6 +11,7 @@ namespace orbitwalk::tool {
 /// First lines of the tables that the tool writes.
 inline constexpr std::string_view kSweepTableHeader = "frame,x,y,a,flag,repeated";
 inline constexpr std::string_view kTruthTableHeader = "frame,dx,dy,da,x,y,a";
+inline constexpr std::string_view kMotionTableHeader = "frame,dx,dy,da,ds,measured";
 
 /// Stands as a comment in the videos, pictures and pages that the tool writes; see
 /// media::kMadeWith, which is the same text.

@@ -42,11 +42,29 @@ void requireOfThisSweep(const fs::path& file, Check check) {
     }
 }
 
-}  // namespace
+/// Replaces the engine's record by the one that was planned beside it.
+void takeRefinement(Sweep& sweep) {
+    const SweepFiles& files = sweep.files;
+    std::error_code cannotTell;
+    if (!fs::exists(files.refinedSummary, cannotTell) && !cannotTell)
+        throw ToolError(files.refinedSummary.string() +
+                        ": there is no refinement; run orbitwalk refine");
+    RefinedSummary summary = openRefinedSummary(files);
+    RecordReader record = readRecordFile(files.refinedRecord);
+    if (record.width() != sweep.record.width() || record.height() != sweep.record.height() ||
+        record.frameCount() != sweep.record.frameCount())
+        throw ToolError(files.refinedRecord.string() + " is of another sweep: it says " +
+                        std::to_string(record.frameCount()) + " frames of " +
+                        textOf(cv::Size(record.width(), record.height())));
+    sweep.refinement = Refinement{
+        readMotionCsv(files.refinedPath, {record.width(), record.height()}, record.frameCount()),
+        std::move(summary)};
+    sweep.record = std::move(record);
+}
 
-Sweep readSweep(const fs::path& directory) {
+Sweep readEngineSweep(const fs::path& directory) {
     const SweepFiles files(directory);
-    Sweep sweep{files, readRecordFile(files.record), {}, openSummary(files)};
+    Sweep sweep{files, readRecordFile(files.record), {}, openSummary(files), {}};
     if (sweep.summary)
         requireOfThisSweep(files.summary,
                            [&] { requireRecordOfSummary(*sweep.summary, sweep.record); });
@@ -58,11 +76,20 @@ Sweep readSweep(const fs::path& directory) {
     return sweep;
 }
 
-Sweep openSweep(const fs::path& directory) {
+}  // namespace
+
+Sweep readSweep(const fs::path& directory, RecordBy by) {
+    Sweep sweep = readEngineSweep(directory);
+    if (by == RecordBy::Refinement)
+        takeRefinement(sweep);
+    return sweep;
+}
+
+Sweep openSweep(const fs::path& directory, RecordBy by) {
     const SweepFiles files(directory);
     if (renderedFrames(readRecordFile(files.record).raw()) == 0)
         throw ToolError(files.record.string() + ": the record renders no frame");
-    return readSweep(directory);
+    return readSweep(directory, by);
 }
 
 const std::vector<SweepRow>& requirePath(const Sweep& sweep) {

@@ -7,31 +7,44 @@
 #include <vector>
 
 #include "orbitwalk/RecordReader.h"
+#include "sweep/MotionCsv.h"
+#include "sweep/RefinedSummary.h"
 #include "sweep/Summary.h"
 #include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
 
 namespace orbitwalk::tool {
 
-/// What `orbitwalk capture` left in a directory.
+/// Whose record of a sweep.
+enum class RecordBy { Engine, Refinement };
+
+/// The measured motions and the summary of `orbitwalk refine`.
+struct Refinement {
+    std::vector<refine::FrameMotion> motions;  ///< One a frame.
+    RefinedSummary summary;
+};
+
+/// What `orbitwalk capture`, and `orbitwalk refine` after it, left in a directory.
 struct Sweep {
     SweepFiles files;  ///< Only the record and the video must be there.
     RecordReader record;
-    std::vector<SweepRow> path;      ///< One row a frame; empty where there is no sweep.csv.
-    std::optional<Summary> summary;  ///< None where there is no sweep.json.
+    std::vector<SweepRow> path;            ///< One row a frame; empty where there is no sweep.csv.
+    std::optional<Summary> summary;        ///< None where there is no sweep.json.
+    std::optional<Refinement> refinement;  ///< Where the record is that of the refinement.
 
     cv::Size size() const { return {record.width(), record.height()}; }
 };
 
 /// Opens what a directory has of a sweep, all but the video, and checks that it belongs together:
 /// the files by the summary's checksums, the record by the summary's figures and by the path, which
-/// smoothed must lead to its crop.
+/// smoothed must lead to its crop. The record of a refinement
+/// must be the one that was planned beside this sweep.
 /// @throws ToolError in one line that names the file that cannot be read, is damaged or is of
 /// another sweep.
-Sweep readSweep(const std::filesystem::path& directory);
+Sweep readSweep(const std::filesystem::path& directory, RecordBy by = RecordBy::Engine);
 
 /// The same for those who show it. @throws ToolError also when the record renders no frame.
-Sweep openSweep(const std::filesystem::path& directory);
+Sweep openSweep(const std::filesystem::path& directory, RecordBy by = RecordBy::Engine);
 
 /// The measured path. @throws ToolError that names the file when there is none.
 const std::vector<SweepRow>& requirePath(const Sweep& sweep);

@@ -11,9 +11,9 @@ SweepFiles::SweepFiles(const std::filesystem::path& directory)
       record(directory / kSweepRecordName),
       path(directory / kSweepPathName),
       summary(directory / kSweepSummaryName),
-      refinedRecord(directory / "refined.obw"),
-      refinedPath(directory / "refined.csv"),
-      refinedSummary(directory / "refined.json") {}
+      refinedRecord(directory / kRefinedRecordName),
+      refinedPath(directory / kRefinedPathName),
+      refinedSummary(directory / kRefinedSummaryName) {}
 
 std::filesystem::path followed(const std::filesystem::path& path) {
     std::error_code error;

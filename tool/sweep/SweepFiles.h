@@ -9,6 +9,9 @@ inline constexpr char kSweepVideoName[] = "sweep.mp4";
 inline constexpr char kSweepRecordName[] = "sweep.obw";
 inline constexpr char kSweepPathName[] = "sweep.csv";
 inline constexpr char kSweepSummaryName[] = "sweep.json";
+inline constexpr char kRefinedRecordName[] = "refined.obw";
+inline constexpr char kRefinedPathName[] = "refined.csv";
+inline constexpr char kRefinedSummaryName[] = "refined.json";
 
 /// What `orbitwalk capture` writes.
 inline constexpr const char* kSweepNames[] = {kSweepVideoName, kSweepRecordName, kSweepPathName,
@@ -22,7 +25,7 @@ struct SweepFiles {
     std::filesystem::path record;
     std::filesystem::path path;
     std::filesystem::path summary;
-    /// Of the sweep whose motion was measured again afterwards.
+    /// What `orbitwalk refine` writes.
     std::filesystem::path refinedRecord;
     std::filesystem::path refinedPath;
     std::filesystem::path refinedSummary;

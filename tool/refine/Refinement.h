@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "orbitwalk/refine/PathPlanner.h"
+#include "sweep/RefinedSummary.h"
+#include "sweep/Sweep.h"
+
+/// What `orbitwalk refine` does: the motion measured anew, the path planned over the whole sweep,
+/// and a second record beside the engine's.
+namespace orbitwalk::tool {
+
+/// How much of the view a plan may give up.
+struct PlanWish {
+    std::optional<double> keep;  ///< Share of width and height that the crop has, (0, 1].
+    /// Without it, the largest crop that leaves at most this share of the residual shift recorded.
+    double steadiness = 0.05;
+};
+
+/// @throws UsageError for a keep or a steadiness that cannot be.
+void requireUsable(const PlanWish& wish);
+
+/// Tells the number of frames measured so far, and may throw.
+using Measured = std::function<void(int)>;
+
+/// Measures a video from a frame on, one motion a frame.
+/// @throws ToolError when it has fewer frames or another size; MediaError.
+std::vector<refine::FrameMotion> measureVideo(const std::filesystem::path& video, FrameSize size,
+                                              int firstFrame, int frames, const Measured& measured);
+
+struct RefinedSweep {
+    refine::PathPlan plan;
+    std::vector<std::byte> record;  ///< As refined.obw holds it.
+};
+
+/// The plan for a sweep and its record.
+/// @param motions  one a frame of the engine's record, whose facts the new one takes over.
+/// @throws ToolError with the planner's or the writer's reason.
+RefinedSweep planSweep(std::span<const refine::FrameMotion> motions, const RecordReader& record,
+                       const PlanWish& wish);
+
+struct RefineOptions {
+    std::filesystem::path directory;
+    PlanWish wish;
+    bool replan = false;  ///< From the motions of refined.csv, without decoding.
+    bool force = false;   ///< Replaces files of these names that the tool did not write, too.
+};
+
+/// Writes refined.obw, refined.csv and refined.json beside a captured sweep, all or none.
+/// @throws ToolError, also on a signal; MediaError.
+RefinedSummary refineSweep(const RefineOptions& options);
+
+}  // namespace orbitwalk::tool

@@ -3,18 +3,42 @@
 # camera panning over a photograph.
 #   scripts/sweep.sh [VIDEO]
 set -euo pipefail
-video=${1:+$(realpath "$1")}
+
+wrong() {
+    echo "scripts/sweep.sh: $1" >&2
+    exit 2
+}
+
+[ $# -le 1 ] || wrong "one video at a time: scripts/sweep.sh [VIDEO]"
+video=
+if [ $# -eq 1 ]; then
+    case $1 in
+        -h | --help) sed -n '2,4s/^# //p' "$0"; exit 0 ;;
+        -*) wrong "there is no option $1: scripts/sweep.sh [VIDEO]" ;;
+    esac
+    [ -f "$1" ] && [ -r "$1" ] || wrong "$1 is no file that can be read"
+    video=$(realpath -- "$1")
+fi
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 install_packages "${packages_build[@]}" "${packages_demo[@]}"
 cmake -S . -B build/sweep -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build build/sweep
+tool=$PWD/build/sweep/orbitwalk
 
 mkdir -p out
 if [ -z "$video" ]; then
     video=out/clip.mp4
-    build/sweep/orbitwalk simulate /usr/share/backgrounds/picosdeeuropa_by_Aitzol_Berasategi.jpg \
+    "$tool" simulate /usr/share/backgrounds/picosdeeuropa_by_Aitzol_Berasategi.jpg \
         -o "$video" --truth out/truth.csv
 fi
-build/sweep/orbitwalk capture "$video" -o out/sweep
+"$tool" capture "$video" -o out/sweep
+
+cat <<END
+
+The tool is $tool. Next:
+  $tool render out/sweep -o out/steady.mp4
+  $tool report out/sweep -o out/report.html
+  $tool evaluate out/sweep
+END

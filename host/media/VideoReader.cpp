@@ -32,6 +32,7 @@ struct VideoReader::State {
     double pixelAspect = 1;
     bool wideColour = false;
     std::int64_t read = 0;
+    bool ended = false;  ///< The file has no more pictures.
 };
 
 VideoReader::VideoReader(const std::filesystem::path& file, ReadOptions options)
@@ -99,8 +100,10 @@ bool VideoReader::isWideColour() const {
 const AVFrame* VideoReader::State::nextWithinTimes() {
     for (;;) {
         const AVFrame* picture = pending ? std::exchange(pending, nullptr) : decoder.next();
-        if (!picture)
+        if (!picture) {
+            ended = true;
             return nullptr;
+        }
         switch (times.place(*picture)) {
             case FrameTimes::Place::Before:
                 decoder.forgetDamage();
@@ -135,8 +138,7 @@ bool VideoReader::read(std::vector<std::uint8_t>& i420) {
 
 Completeness VideoReader::completeness() const {
     const State& state = *mState;
-    const std::int64_t left =
-        state.times.isOver() ? 0 : state.decoder.picturesLeft(state.times.end());
+    const std::int64_t left = state.ended ? state.decoder.picturesLeft(state.times.end()) : 0;
     return {state.read, state.read + state.decoder.lostPictures() + left,
             state.decoder.damagedPictures()};
 }

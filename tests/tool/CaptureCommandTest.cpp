@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <csignal>
@@ -108,7 +109,7 @@ TEST_F(CaptureCommand, StopsTakingFramesAtAThousandAndWarnsOfAPictureTooSmallToM
     const auto run = capture({pan({.width = 64, .height = 48, .frames = 1002}), "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.err, HasSubstr("note: stopped taking frames at 1000"));
-    EXPECT_THAT(run.err, HasSubstr("warning: 999 of 1000 frames repeat"));
+    EXPECT_THAT(run.err, HasSubstr("warning: the motion could not be measured"));
     const json summary = json::parse(run.out);
     EXPECT_EQ(summary.at("truncated"), true);
     EXPECT_EQ(summary.at("repeatedMotions"), 999);
@@ -152,6 +153,7 @@ TEST_F(CaptureCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
     const struct {
         Names arguments;
         std::string says;
+        int exitCode = 1;
     } cases[] = {
         {{mDir / "missing.mp4"}, "missing.mp4"},
         {{mDir / "text.mp4"}, "text.mp4"},
@@ -159,16 +161,20 @@ TEST_F(CaptureCommand, SaysInOneLineWhatIsWrongAndLeavesNothing) {
         {{mDir / ""}, ""},
         {{video, "-o", mDir / "text.mp4/out"}, "text.mp4"},
         {{video, "-o", mDir / "text.mp4"}, "text.mp4 is not a directory"},
-        {{video, "-o", ""}, "an empty name is no directory"},
-        {{video, "--first", "3"}, "--first 3: the sweep has the frames 0 to 2"},
-        {{video, "--last", "-1"}, "--last -1"},
-        {{video, "--first", "2", "--last", "1"}, "--first 2 is after"},
-        {{video, "--skip", "3"}, "--skip 3"},
-        {{video, "--skip", "a"}, "no list of frames"},
+        {{video, "-o", ""}, "an empty name is no directory", 2},
+        {{video, "--first", "3"}, "--first 3: the sweep has the frames 0 to 2", 2},
+        {{video, "--last", "-1"}, "--last -1", 2},
+        {{video, "--first", "2", "--last", "1"}, "--first 2 is after", 2},
+        {{video, "--skip", "3"}, "--skip 3", 2},
+        {{video, "--skip", "a"}, "no list of frames", 2},
+        {{video, "--start", "soon"}, "--start: no time", 2},
+        {{video, "--duration", "-1"}, "--duration", 2},
+        {{video, "--start", "0.1"}, "leave no frame", 2},
+        {{video, "--orientation", "180"}, "--orientation", 2},
     };
     for (const auto& c : cases) {
         const auto run = capture(c.arguments);
-        EXPECT_EQ(run.exitCode, 1) << c.says;
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.says;
         EXPECT_THAT(run.err, IsOneLineWith(c.says));
         EXPECT_EQ(namesIn(mDir / ""), (Names{"empty.mp4", "pan.mp4", "text.mp4", "tmp"}));
     }
@@ -218,6 +224,25 @@ TEST_F(CaptureCommand, ASignalLeavesNothing) {
         EXPECT_THAT(run.err, HasSubstr("orbitwalk: interrupted"));
         EXPECT_EQ(namesIn(mDir / ""), (Names{"pan.mp4", "tmp"}));
     }
+}
+
+TEST_F(CaptureCommand, ASignalEndsTheWaitForAPipe) {
+    ASSERT_EQ(mkfifo((mDir / "pipe").c_str(), 0600), 0);
+    const auto run = test_support::runProgram(
+        "/usr/bin/timeout", {"--preserve-status", "-k", "5", "3", test_support::toolPath(),
+                             "capture", mDir / "pipe", "-o", mOut});
+    EXPECT_EQ(run.exitCode, 128 + SIGTERM);
+    EXPECT_THAT(run.err, HasSubstr("orbitwalk: interrupted"));
+}
+
+TEST_F(CaptureCommand, TakesThePartThatStartAndDurationName) {
+    const auto run = capture({pan({.width = 64, .height = 48, .frames = 30}), "--start", "0.2",
+                              "--duration", "400ms", "--first", "2", "--json"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const json summary = json::parse(run.out);
+    EXPECT_EQ(summary.at("frames"), 12);
+    EXPECT_EQ(summary.at("first"), 2);
+    EXPECT_EQ(summary.at("complete"), true);
 }
 
 TEST_F(CaptureCommand, CompletesTheFilesWhenNoOneReadsTheLogAnyMore) {

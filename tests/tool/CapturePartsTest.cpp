@@ -1,4 +1,7 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -6,10 +9,9 @@
 #include <memory>
 
 #include "capture/EngineTempDirectory.h"
-#include "capture/FrameList.h"
+#include "capture/LogWatch.h"
 #include "capture/Notes.h"
-#include "capture/RepeatedMotion.h"
-#include "capture/SweepPath.h"
+#include "capture/SweepRange.h"
 #include "support/TestDirectory.h"
 #include "sweep/Summary.h"
 #include "terminal/ToolError.h"
@@ -25,7 +27,7 @@ TEST(FrameList, ReadsNumbersAndRanges) {
     EXPECT_EQ(parseFrameList("10-12,3,11,999"), (std::set{3, 10, 11, 12, 999}));
     for (const char* bad : {"", "x", "3,", ",3", "-3", "+3", "5-", "7-5", "1 ,2", "3x", "1000",
                             "0-1000", "99999999999"})
-        EXPECT_THROW(parseFrameList(bad), ToolError) << bad;
+        EXPECT_THROW(parseFrameList(bad), UsageError) << bad;
 }
 
 TEST(SweepDirection, IsAgainstThePictureMotionOfTheHeldDevice) {
@@ -34,8 +36,7 @@ TEST(SweepDirection, IsAgainstThePictureMotionOfTheHeldDevice) {
         int orientation;
         Trajectory leftToRight;
         Trajectory rightToLeft;
-    } cases[] = {
-        {0, left, right}, {90, up, down}, {180, right, left}, {270, down, up}, {360, left, right}};
+    } cases[] = {{0, left, right}, {90, up, down}, {270, down, up}, {360, left, right}};
     constexpr Trajectory start{};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.orientation);
@@ -46,6 +47,18 @@ TEST(SweepDirection, IsAgainstThePictureMotionOfTheHeldDevice) {
     }
     EXPECT_EQ(sweepDirection(left, left, 0, false), 1);
     EXPECT_EQ(sweepDirection(right, {50, 0, 0}, 0, false), 1) << "the motion counts, not the place";
+}
+
+TEST(SweepDirection, VerticalIsWhatGoesUpOrDownAsTheDeviceIsHeld) {
+    const Trajectory start{}, aside{-300, 80, 0}, down{-30, 200, 0}, little{-1, 20, 0};
+    const auto vertical = [&](const Trajectory& end, int orientation) {
+        return isVertical(std::array{start, end}, orientation, {640, 480});
+    };
+    EXPECT_TRUE(vertical(down, 0));
+    EXPECT_FALSE(vertical(aside, 0));
+    EXPECT_FALSE(vertical(little, 0)) << "shaken, not swept";
+    EXPECT_FALSE(vertical(down, 90));
+    EXPECT_TRUE(vertical(aside, 270));
 }
 
 TEST(RepeatedMotion, CountsFramesThatCouldNotBeMeasured) {
@@ -66,26 +79,77 @@ TEST(RepeatedMotion, CountsFramesThatCouldNotBeMeasured) {
     EXPECT_EQ(repeated.frames(), (std::set{2, 3, 7}));
 }
 
-TEST(EngineTempDirectory, RefusesAPathThatDoesNotFit) {
-    const test_support::TestDirectory dir;
-    const std::string formerRoot = std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "";
+class EngineTempDirectoryTest : public testing::Test {
+  protected:
+    ~EngineTempDirectoryTest() override {
+        mFormer.empty() ? unsetenv("TMPDIR") : setenv("TMPDIR", mFormer.c_str(), 1);
+    }
+    void useRoot(const std::filesystem::path& root) const {
+        std::filesystem::create_directory(root);
+        setenv("TMPDIR", root.c_str(), 1);
+    }
+    const test_support::TestDirectory mDir;
+    const std::string mFormer = std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "";
+};
+
+TEST_F(EngineTempDirectoryTest, RefusesAPathThatDoesNotFit) {
     const std::string formerEngine = localTmpDir;
-    const std::filesystem::path tooLong = dir / std::string(180, 'x');
-    std::filesystem::create_directory(tooLong);
-    setenv("TMPDIR", tooLong.c_str(), 1);
+    useRoot(mDir / std::string(170, 'x'));
     EXPECT_THROW(EngineTempDirectory{}, ToolError);
     EXPECT_EQ(localTmpDir, formerEngine);
-    setenv("TMPDIR", formerRoot.c_str(), 1);
 }
 
-TEST(Notes, AdviseWhereTheVideoIsMarkedAsTurned) {
+TEST_F(EngineTempDirectoryTest, RemovesWhatKilledProcessesLeftAndNothingElse) {
+    useRoot(mDir / "tmp");
+    const auto path = [&](const char* name) { return mDir / "tmp" / name; };
+    for (const char* name : {"orbitwalk-capture-killed", "orbitwalk-capture-living", "orbitwalk-x"})
+        std::filesystem::create_directories(path(name) / "engine");
+    test_support::writeFile(mDir / "precious", "kept");
+    std::filesystem::create_symlink(mDir / "precious", path("orbitwalk-capture-killed") / "link");
+    std::filesystem::create_directory_symlink(path("orbitwalk-x"),
+                                              path("orbitwalk-capture-linked"));
+    const int living = open(path("orbitwalk-capture-living").c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(flock(living, LOCK_EX), 0);
+    {
+        const EngineTempDirectory one;
+        const EngineTempDirectory another;
+        EXPECT_EQ(test_support::namesIn(mDir / "tmp").size(), 5u);
+    }
+    close(living);
+    EXPECT_EQ(test_support::namesIn(mDir / "tmp"),
+              (Names{"orbitwalk-capture-linked", "orbitwalk-capture-living", "orbitwalk-x"}));
+    EXPECT_TRUE(std::filesystem::exists(path("orbitwalk-x") / "engine"));
+    EXPECT_EQ(test_support::contentOf(mDir / "precious"), "kept");
+}
+
+TEST(Notes, TellWhatTheSweepDoesNotKeep) {
     Summary summary;
-    EXPECT_EQ(notesOn(summary), std::vector<std::string>{});
+    VideoFacts video;
+    EXPECT_EQ(notesOn(summary, video), Names{});
     summary.videoRate = 30000 / 1001.0;
-    summary.unheededRotation = 90;
-    EXPECT_EQ(notesOn(summary),
-              std::vector<std::string>{"the video is marked to be shown turned by 90 degrees; give "
-                                       "--orientation"});
+    for (const auto& [turn, orientation] : {std::pair{90, 270}, std::pair{270, 90}}) {
+        video.unheededRotation = turn;
+        EXPECT_EQ(notesOn(summary, video),
+                  Names{"the video is marked to be shown turned by " + std::to_string(turn) +
+                        " degrees; give --orientation " + std::to_string(orientation) +
+                        ", which the record holds as " + std::to_string(turn)});
+    }
+    video = {.variableRate = orbitwalk::media::RateRange{15, 60},
+             .unheededRotation = 180,
+             .pixelAspect = 4.0 / 3,
+             .audio = true,
+             .wideColour = true};
+    summary.direction = OBW_DIRECTION_TOP2BOTTOM;
+    const auto notes = notesOn(summary, video);
+    ASSERT_EQ(notes.size(), 6u);
+    const char* says[] = {"from 15 to 60 frames/s", "upside down", "vertical",
+                          "1.333 times as wide",    "BT.2020",     "sound"};
+    for (std::size_t i = 0; i < notes.size(); ++i)
+        EXPECT_NE(notes[i].find(says[i]), std::string::npos) << notes[i];
+    summary.rendered = 1;
+    EXPECT_EQ(warningsOf(summary, {.completeness = {28, 60, 1}}),
+              Names{"the video ends early or is damaged: 28 of 60 frames were read, 1 of them "
+                    "damaged"});
 }
 
 TEST(Smoothing, TellsTheFallbackFromASweepThatStoodStillAndFromTooFewFrames) {

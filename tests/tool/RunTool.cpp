@@ -62,6 +62,10 @@ void end(pollfd& source) {
 
 }  // namespace
 
+std::string toolPath() {
+    return ORBITWALK_TOOL;
+}
+
 ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& options) {
     return runProgram(ORBITWALK_TOOL, arguments, options);
 }

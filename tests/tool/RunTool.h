@@ -32,6 +32,9 @@ struct ToolRun {
 /// Runs the built `orbitwalk` with the arguments to its end, in the test's working directory.
 ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
+/// Where the built tool is, for programs that run it.
+std::string toolPath();
+
 /// The same for another program. @param program  its path.
 ToolRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
                    const RunOptions& options = {});

@@ -1,13 +1,14 @@
 #include "capture/Capture.h"
 
 #include <chrono>
+#include <span>
 #include <string>
 
 #include "capture/EngineTempDirectory.h"
 #include "capture/FrameFeed.h"
 #include "capture/Session.h"
-#include "capture/StageTimer.h"
 #include "files/OutputFiles.h"
+#include "files/OwnFiles.h"
 #include "sweep/Checksum.h"
 #include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
@@ -27,33 +28,6 @@ void refuseToReplaceTheSource(const CaptureOptions& options) {
             throw ToolError(options.video.string() +
                             " is the video to capture and would be replaced");
     }
-}
-
-void requireFrame(const char* option, int frame, int frames) {
-    if (frame < 0 || frame >= frames)
-        throw ToolError(std::string(option) + " " + std::to_string(frame) +
-                        ": the sweep has the frames 0 to " + std::to_string(frames - 1));
-}
-
-SweepSelection select(const CaptureOptions& options, const std::vector<Trajectory>& path) {
-    const int frames = static_cast<int>(path.size());
-    SweepSelection selection{.first = options.first.value_or(0),
-                             .last = options.last.value_or(frames - 1),
-                             .flags = std::vector<std::int32_t>(path.size(), 1),
-                             .direction = OBW_DIRECTION_LEFT2RIGHT};
-    requireFrame("--first", selection.first, frames);
-    requireFrame("--last", selection.last, frames);
-    if (selection.first > selection.last)
-        throw ToolError("--first " + std::to_string(selection.first) +
-                        " is after the last frame, " + std::to_string(selection.last));
-    for (const int frame : options.skip) {
-        requireFrame("--skip", frame, frames);
-        selection.flags[frame] = 0;
-    }
-    selection.direction = options.direction.value_or(
-        sweepDirection(path[selection.first], path[selection.last], options.orientation.value_or(0),
-                       options.frontCameraFlipped));
-    return selection;
 }
 
 std::vector<SweepRow> rowsOf(const std::vector<Trajectory>& path,
@@ -87,37 +61,78 @@ void fillFromRecord(Summary& summary, const __kelOBWKDXMetaData& record) {
     summary.smoothing = smoothingOf(record);
 }
 
-void fillFromVideo(Summary& summary, const CaptureOptions& options,
+VideoFacts factsOf(const CaptureOptions& options, const media::VideoReader& video) {
+    return {.variableRate = video.variableRate(),
+            .unheededRotation = options.orientation ? 0 : video.rotationDegrees(),
+            .trimmed = video.isTrimmed(),
+            .pixelAspect = video.pixelAspect(),
+            .audio = video.hasAudio(),
+            .wideColour = video.isWideColour(),
+            .completeness = video.completeness()};
+}
+
+/// @param video  read to its end.
+void fillFromVideo(CaptureResult& result, const CaptureOptions& options,
                    const media::VideoReader& video) {
+    Summary& summary = result.summary;
+    result.video = factsOf(options, video);
     summary.video = options.video;
     summary.source = identityOf(options.video);
     const media::FrameRate rate = video.frameRate();
     summary.videoRate = static_cast<double>(rate.numerator) / rate.denominator;
-    summary.unheededRotation = options.orientation ? 0 : video.rotationDegrees();
-    summary.trimmed = video.isTrimmed();
+    summary.complete = result.video.completeness.isComplete();
+}
+
+/// @param shown  the orientation in which players show the video, as far as it is known.
+void fillFromPath(Summary& summary, const std::vector<Trajectory>& path,
+                  const SweepSelection& selection, int shown) {
+    summary.frames = static_cast<int>(path.size());
+    summary.first = selection.first;
+    summary.last = selection.last;
+    summary.extent = pathExtent(path);
+    const auto range =
+        std::span(path).subspan(static_cast<std::size_t>(selection.first),
+                                static_cast<std::size_t>(selection.last - selection.first + 1));
+    summary.direction = isVertical(range, shown, {summary.width, summary.height})
+                            ? OBW_DIRECTION_TOP2BOTTOM
+                            : selection.direction;
 }
 
 Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& session,
-             const SignalGuard& signals, StageSeconds& seconds) {
-    Feed feed = feedVideo(video, session, options.realtime, signals, seconds);
+             StageSeconds& seconds) {
+    Feed feed = feedVideo(video, session, options.realtime, seconds);
     if (feed.path.empty())
-        throw ToolError(options.video.string() + " holds no frame");
+        throw options.start || options.duration
+            ? UsageError("--start and --duration leave no frame of " + options.video.string())
+            : ToolError(options.video.string() + " holds no frame");
     return feed;
 }
 
+media::VideoReader openVideo(const CaptureOptions& options) {
+    return media::VideoReader(options.video,
+                              {.start = options.start.value_or(std::chrono::microseconds(0)),
+                               .duration = options.duration,
+                               .interrupted = [] { return SignalGuard::received() != 0; }});
+}
+
 /// Runs the session to its end and writes what it gave.
-Summary runSession(const CaptureOptions& options, media::VideoReader& video, OutputFiles& outputs,
-                   const SignalGuard& signals) {
-    Summary summary;
-    std::FILE* const mp4 = outputs.create(options.directory / kSweepVideoName);
+CaptureResult runSession(const CaptureOptions& options, media::VideoReader& video,
+                         OutputFiles& outputs) {
+    CaptureResult result;
+    Summary& summary = result.summary;
+    const int orientation = options.orientation.value_or(0);
+    std::FILE* const mp4 = outputs.create(options.directory / kSweepVideoName,
+                                          // Videos of earlier versions do not say who wrote them.
+                                          isOwnFile(options.directory / kSweepRecordName));
     Session session({.width = video.width(),
                      .height = video.height(),
-                     .orientation = options.orientation.value_or(0),
+                     .orientation = orientation,
                      .frontCameraFlipped = options.frontCameraFlipped,
                      .mp4Name = options.directory / kSweepVideoName},
                     mp4);
-    const Feed feed = feedAll(options, video, session, signals, summary.seconds);
-    const SweepSelection selection = select(options, feed.path);
+    const Feed feed = feedAll(options, video, session, summary.seconds);
+    const SweepSelection selection =
+        selectRange(options.range, feed.path, orientation, options.frontCameraFlipped);
     ProgressBar bar("finishing", 100);
     const auto& record =
         session.finish(feed.path, selection, [&](int percent) { bar.update(percent); });
@@ -128,43 +143,46 @@ Summary runSession(const CaptureOptions& options, media::VideoReader& video, Out
     outputs.write(options.directory / kSweepPathName, csv);
     summary.checksums = checksumsOf(mp4, recordBytes, csv);
 
-    fillFromVideo(summary, options, video);
-    summary.frames = static_cast<int>(feed.path.size());
-    summary.truncated = feed.truncated;
-    summary.first = selection.first;
-    summary.last = selection.last;
-    summary.skipped = static_cast<int>(options.skip.size());
-    summary.direction = selection.direction;
-    summary.extent = pathExtent(feed.path);
-    summary.repeatedMotions = static_cast<int>(repeated.size());
+    fillFromVideo(result, options, video);
     fillFromRecord(summary, record);
+    const int shown = orientationOfRotation(result.video.unheededRotation).value_or(0);
+    fillFromPath(summary, feed.path, selection, options.orientation.value_or(shown));
+    summary.truncated = feed.truncated;
+    summary.skipped = static_cast<int>(options.range.skip.size());
+    summary.repeatedMotions = static_cast<int>(repeated.size());
     const SweepFiles files(options.directory);
     summary.sweepVideo = files.video;
     summary.sweepRecord = files.record;
     summary.sweepPath = files.path;
     summary.sweepSummary = files.summary;
     fillPostProcessing(summary.seconds, session);
-    return summary;
+    return result;
 }
 
 }  // namespace
 
-Summary captureSweep(const CaptureOptions& options) {
+CaptureResult captureSweep(const CaptureOptions& options) {
     const SignalGuard signals;
-    OutputFiles outputs(true);
+    OutputFiles outputs(options.replaceForeign);
     outputs.makeDirectory(options.directory);
     double seconds = 0;
-    Summary summary = timed(seconds, [&] {
-        media::VideoReader video(options.video);
-        refuseToReplaceTheSource(options);
-        const EngineTempDirectory temporary;
-        return runSession(options, video, outputs, signals);
-    });
-    summary.seconds.total = seconds;
-    outputs.write(options.directory / kSweepSummaryName, toJsonText(summary));
-    signals.check();
+    CaptureResult result;
+    try {
+        result = timed(seconds, [&] {
+            media::VideoReader video = openVideo(options);
+            refuseToReplaceTheSource(options);
+            const EngineTempDirectory temporary;
+            return runSession(options, video, outputs);
+        });
+    } catch (const media::MediaError&) {
+        SignalGuard::check();
+        throw;
+    }
+    result.summary.seconds.total = seconds;
+    outputs.write(options.directory / kSweepSummaryName, toJsonText(result.summary));
+    SignalGuard::check();
     outputs.commit();
-    return summary;
+    return result;
 }
 
 }  // namespace orbitwalk::tool

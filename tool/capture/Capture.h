@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
-#include <set>
 
+#include "capture/Notes.h"
+#include "capture/SweepRange.h"
 #include "sweep/Summary.h"
 
 namespace orbitwalk::tool {
@@ -11,18 +13,23 @@ namespace orbitwalk::tool {
 struct CaptureOptions {
     std::filesystem::path video;
     std::filesystem::path directory;
-    std::optional<int> orientation;  ///< Degrees; else 0.
+    std::optional<std::chrono::microseconds> start;     ///< Else the video's first frame.
+    std::optional<std::chrono::microseconds> duration;  ///< Else to the video's last frame.
+    std::optional<int> orientation;                     ///< Degrees; else 0.
     bool frontCameraFlipped = false;
-    std::optional<OBWDirection> direction;  ///< Without one it is told from the measured motion.
-    std::optional<int> first;               ///< Else the first frame of the video.
-    std::optional<int> last;                ///< Else the last frame of the video.
-    std::set<int> skip;
+    RangeOptions range;  ///< Counts the frames that start and duration leave.
     bool realtime = false;
+    bool replaceForeign = false;  ///< Files that the tool did not write may be replaced.
+};
+
+struct CaptureResult {
+    Summary summary;
+    VideoFacts video;
 };
 
 /// Captures a video into sweep.mp4, sweep.obw, sweep.csv and sweep.json, the summary, in the
 /// directory. They appear together when all are complete; a capture that fails or is interrupted by
 /// a signal leaves nothing behind. On the main thread. @throws ToolError, MediaError.
-Summary captureSweep(const CaptureOptions& options);
+CaptureResult captureSweep(const CaptureOptions& options);
 
 }  // namespace orbitwalk::tool

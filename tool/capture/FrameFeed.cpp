@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <thread>
 
-#include "capture/StageTimer.h"
 #include "terminal/ProgressBar.h"
+#include "terminal/SignalGuard.h"
 
 namespace orbitwalk::tool {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// How long a signal may wait to be noticed.
-constexpr std::chrono::milliseconds kSignalPatience{100};
+constexpr std::chrono::milliseconds kSignalPatience{kSignalPollMilliseconds};
 
 /// Waits until a frame's moment in a recording at a constant rate has come.
 class Pace {
@@ -21,12 +20,12 @@ class Pace {
         : mInterval(std::chrono::duration<double>(static_cast<double>(rate.denominator) /
                                                   rate.numerator)) {}
 
-    void waitFor(std::size_t frame, const SignalGuard& signals) const {
+    void waitFor(std::size_t frame) const {
         const auto moment = mStart + std::chrono::duration_cast<Clock::duration>(
                                          mInterval * static_cast<double>(frame));
         for (auto now = Clock::now(); now < moment; now = Clock::now()) {
             std::this_thread::sleep_until(std::min(moment, now + kSignalPatience));
-            signals.check();
+            SignalGuard::check();
         }
     }
 
@@ -37,8 +36,7 @@ class Pace {
 
 }  // namespace
 
-Feed feedVideo(media::VideoReader& video, Session& session, bool realtime,
-               const SignalGuard& signals, StageSeconds& seconds) {
+Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds) {
     ProgressBar bar("capturing", std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES));
     const Pace pace(video.frameRate());
     Feed feed;
@@ -48,12 +46,12 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime,
             feed.truncated = true;
             break;
         }
-        signals.check();
+        SignalGuard::check();
         if (realtime)
-            pace.waitFor(feed.path.size(), signals);
+            pace.waitFor(feed.path.size());
         const Trajectory point = timed(seconds.measure, [&] { return session.measure(frame); });
         while (!timed(seconds.waitForEncoder, [&] { return session.waitForRoom(kSignalPatience); }))
-            signals.check();
+            SignalGuard::check();
         timed(seconds.feed, [&] { session.feed(frame, point); });
         feed.path.push_back(point);
         bar.update(static_cast<std::int64_t>(feed.path.size()));

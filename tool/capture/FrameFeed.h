@@ -1,13 +1,25 @@
 #pragma once
 
+#include <chrono>
 #include <vector>
 
 #include "capture/Session.h"
 #include "media/VideoReader.h"
 #include "sweep/Summary.h"
-#include "terminal/SignalGuard.h"
 
 namespace orbitwalk::tool {
+
+/// Runs the stage, adds its wall-clock time to the seconds, and returns its result.
+template <typename Stage>
+auto timed(double& seconds, Stage&& stage) {
+    using Clock = std::chrono::steady_clock;
+    struct Addition {
+        ~Addition() { seconds += std::chrono::duration<double>(Clock::now() - start).count(); }
+        double& seconds;
+        Clock::time_point start = Clock::now();
+    } const addition{seconds};
+    return stage();
+}
 
 /// What came of feeding a video.
 struct Feed {
@@ -19,7 +31,6 @@ struct Feed {
 /// @param realtime  paces the frames at the video's rate; otherwise they come as fast as the
 /// encoder takes them.
 /// @throws ToolError, also on a signal; MediaError.
-Feed feedVideo(media::VideoReader& video, Session& session, bool realtime,
-               const SignalGuard& signals, StageSeconds& seconds);
+Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds);
 
 }  // namespace orbitwalk::tool

@@ -2,6 +2,8 @@
 
 #include <android/log.h>
 
+#include <cstdio>
+#include <cstring>
 #include <string_view>
 
 #include "OrbitwalkPlatform.h"
@@ -20,6 +22,22 @@ std::string trimmed(std::string_view text) {
 }
 
 }  // namespace
+
+void RepeatedMotion::takeLine(const char* text) {
+    if (std::strstr(text, "insufficeint")) {
+        mInsufficient = true;
+        return;
+    }
+    int frame = 0;
+    Motion motion{};
+    if (std::sscanf(text, "CalculatePrevToCurTransform : Frame[%d] : Transform[ %lf, %lf, %lf ]",
+                    &frame, &motion[0], &motion[1], &motion[2]) != 4)
+        return;
+    if (mInsufficient || (motion == mLast && motion != Motion{}))
+        mFrames.insert(frame);
+    mInsufficient = false;
+    mLast = motion;
+}
 
 LogWatch::LogWatch() {
     OrbitwalkSetLogListener(&LogWatch::onLine, this);

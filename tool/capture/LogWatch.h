@@ -1,15 +1,35 @@
 #pragma once
 
+#include <array>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 
-#include "capture/RepeatedMotion.h"
-
+/// What the engine says nowhere but in its log, read from the lines.
 namespace orbitwalk::tool {
 
-/// Listens to the log while it lives, for what the engine says nowhere else: which frames' motion
-/// could not be measured, and why a capture failed. One at a time in a process; any thread.
+/// Learns from the transform finder's lines which frames repeat the last motion because theirs
+/// could not be measured. A frame counts when the finder says that its corners or tracks did not
+/// suffice, or when its motion equals the previous frame's to the last printed digit, which is how
+/// an estimate that came out empty shows. A picture that stands still is measured, not repeated.
+class RepeatedMotion {
+  public:
+    /// Takes the next line under the finder's tag.
+    void takeLine(const char* text);
+
+    const std::set<int>& frames() const { return mFrames; }
+
+  private:
+    using Motion = std::array<double, 3>;
+
+    bool mInsufficient = false;  ///< Said of the frame whose motion has not been logged yet.
+    std::optional<Motion> mLast;
+    std::set<int> mFrames;
+};
+
+/// Listens to the log while it lives: for the frames whose motion could not be measured, and for
+/// why a capture failed. One at a time in a process; any thread.
 class LogWatch {
   public:
     LogWatch();

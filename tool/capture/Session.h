@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "capture/LogWatch.h"
-#include "capture/SweepPath.h"
+#include "capture/SweepRange.h"
 #include "orbitwalk/Engine.h"
 #include "terminal/ToolError.h"
 
@@ -27,14 +27,6 @@ struct SessionSettings {
     std::string mp4Name{};  ///< For complaints.
     /// An encoder that takes no frame for this long has failed.
     std::chrono::milliseconds encoderPatience = std::chrono::minutes(1);
-};
-
-/// What of the encoded frames is the sweep.
-struct SweepSelection {
-    int first = 0;                    ///< First frame of the range to render.
-    int last = 0;                     ///< Last frame of the range, inclusive.
-    std::vector<std::int32_t> flags;  ///< One a frame; 1 = rendered.
-    OBWDirection direction = OBW_DIRECTION_LEFT2RIGHT;
 };
 
 /// One capture with the engine, driven as a camera app would: start, per frame measure and feed,

@@ -34,7 +34,8 @@ struct NamedDirection {
     const char* name;
 };
 constexpr NamedDirection kDirections[] = {{OBW_DIRECTION_LEFT2RIGHT, "left2right"},
-                                          {OBW_DIRECTION_RIGHT2LEFT, "right2left"}};
+                                          {OBW_DIRECTION_RIGHT2LEFT, "right2left"},
+                                          {OBW_DIRECTION_TOP2BOTTOM, "vertical"}};
 constexpr Smoothing kSmoothings[] = {Smoothing::Smoothed, Smoothing::FellBack,
                                      Smoothing::TooFewFrames};
 
@@ -213,10 +214,15 @@ Trajectory pathExtent(std::span<const Trajectory> path) {
 std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames) {
     if (repeatedMotions * 10 <= frames)
         return std::nullopt;
-    return line(
-        "%d of %d frames repeat the last motion because theirs could not be measured: too few "
-        "corners to follow (the picture is small, soft or dark, or moves too fast)",
-        repeatedMotions, frames);
+    constexpr char why[] =
+        "too few corners to follow (the picture is small, soft or dark, or moves too fast)";
+    if (repeatedMotions * 2 > frames)
+        return line(
+            "the motion could not be measured, and the sweep is not steadier than the video: %d of "
+            "%d frames repeat the last motion, for %s",
+            repeatedMotions, frames, why);
+    return line("%d of %d frames repeat the last motion because theirs could not be measured: %s",
+                repeatedMotions, frames, why);
 }
 
 std::string toText(const Summary& summary) {

@@ -78,7 +78,7 @@ SweepChecksums checksumsOf(const SweepFiles& files);
 inline constexpr int kSummarySchema = 1;
 
 /// What a capture came to. A capture fills in all of it; of what was read, the four paths of the
-/// outputs and what only capture's notes tell are left empty.
+/// outputs are left empty.
 struct Summary {
     int schema = kSummarySchema;  ///< 0 when none was given.
     std::string toolVersion{tool::toolVersion()};
@@ -92,15 +92,13 @@ struct Summary {
     int height = 0;
     int frames = 0;
     double videoRate = kSweepRate;  ///< Frames a second, by the video's word.
-    /// By how much the video is marked to be shown turned, clockwise, when no orientation was
-    /// given.
-    int unheededRotation = 0;
-    bool trimmed = false;    ///< The video has an odd last column or row, which the sweep has not.
-    bool truncated = false;  ///< The video has more frames than a sweep can hold.
+    bool truncated = false;         ///< The video has more frames than a sweep can hold.
     int first = 0;
     int last = 0;
     int skipped = 0;
     int rendered = 0;  ///< Frames of the range that are not skipped.
+    /// As in the record, or from top to bottom for any vertical sweep, which a record has no word
+    /// for.
     OBWDirection direction = OBW_DIRECTION_LEFT2RIGHT;
     Trajectory extent;          ///< See pathExtent; the angle is not kept.
     double cropWidthShare = 0;  ///< Of the frame's width, what every rendered frame shows.

@@ -15,7 +15,7 @@
 #include "sweep/Summary.h"
 #include "sweep/SweepFiles.h"
 #include "sweep/TruthCsv.h"
-#include "terminal/Print.h"
+#include "terminal/CommonOptions.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
@@ -36,7 +36,7 @@ struct SimulateOptions {
     fs::path truth;
     int quality = 12;
     std::int64_t bitRate = 0;
-    bool json = false;
+    CommonOptions common;
 };
 
 const std::map<std::string, SweepDirection> kDirections{{"left2right", SweepDirection::Left2Right},
@@ -66,8 +66,8 @@ FrameSize parseSize(const std::string& text) {
     const bool ok = times && height.ec == std::errc() && height.ptr == end;
     const auto fits = [](int side) { return side >= 64 && side <= 8192 && side % 2 == 0; };
     if (!ok || !fits(size.width) || !fits(size.height))
-        throw ToolError("--size: " + text +
-                        " is not WIDTHxHEIGHT with even numbers from 64 to 8192");
+        throw UsageError("--size: " + text +
+                         " is not WIDTHxHEIGHT with even numbers from 64 to 8192");
     return size;
 }
 
@@ -80,7 +80,7 @@ media::FrameRate parseRate(const std::string& text) {
     const bool positive = rate.numerator > 0 && rate.denominator > 0;
     if (got < 1 || length != static_cast<int>(text.size()) || !positive ||
         rate.numerator / rate.denominator > 1000)
-        throw ToolError("--rate: " + text + " is not frames a second, such as 30 or 30000/1001");
+        throw UsageError("--rate: " + text + " is not frames a second, such as 30 or 30000/1001");
     return rate;
 }
 
@@ -90,7 +90,7 @@ void refuseSharedNames(const SimulateOptions& options) {
     };
     if (same(options.truth, options.clip) || same(options.photo, options.clip) ||
         same(options.photo, options.truth))
-        throw ToolError("the photograph, the clip and the truth need names of their own");
+        throw UsageError("the photograph, the clip and the truth need names of their own");
 }
 
 void writeClip(Simulation& simulation, const SimulateOptions& options, std::FILE* stream,
@@ -159,7 +159,7 @@ std::string asJson(const Simulation& simulation, const SimulateOptions& options,
 
 void writeFiles(Simulation& simulation, const SimulateOptions& options,
                 const SignalGuard& signals) {
-    OutputFiles files(true);
+    OutputFiles files(options.common.force);
     std::FILE* const stream = files.create(options.clip);
     if (!options.truth.empty())
         files.write(options.truth, truthCsv(simulation.truth()));
@@ -183,9 +183,8 @@ void simulate(SimulateOptions options) {
     Simulation simulation(options.settings, photo);
     writeFiles(simulation, options, signals);
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    const std::string summary = options.json ? asJson(simulation, options, time.count())
-                                             : asText(simulation, options, time.count());
-    printOut(summary);
+    printSummary(options.common, asJson(simulation, options, time.count()),
+                 asText(simulation, options, time.count()));
 }
 
 void addSceneOptions(CLI::App& command, SimulateOptions& options) {
@@ -249,7 +248,7 @@ void addOutputOptions(CLI::App& command, SimulateOptions& options) {
     command.add_option("--bit-rate", options.bitRate, "Bits a second, instead of --quality")
         ->check(within(1000, 1e9))
         ->excludes(quality);
-    command.add_flag("--json", options.json, "Summary as JSON");
+    addCommonOptions(command, options.common, Writes::Files);
 }
 
 }  // namespace

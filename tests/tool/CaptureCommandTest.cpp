@@ -242,6 +242,7 @@ TEST_F(CaptureCommand, TakesThePartThatStartAndDurationName) {
     const json summary = json::parse(run.out);
     EXPECT_EQ(summary.at("frames"), 12);
     EXPECT_EQ(summary.at("first"), 2);
+    EXPECT_TRUE(summary.at("source").is_null()) << "its frames are not the video's";
     EXPECT_EQ(summary.at("complete"), true);
 }
 

@@ -77,7 +77,9 @@ void fillFromVideo(CaptureResult& result, const CaptureOptions& options,
     Summary& summary = result.summary;
     result.video = factsOf(options, video);
     summary.video = options.video;
-    summary.source = identityOf(options.video);
+    // Who measures the motion again counts the frames from the file's first.
+    if (options.start.value_or(std::chrono::microseconds(0)).count() == 0)
+        summary.source = identityOf(options.video);
     const media::FrameRate rate = video.frameRate();
     summary.videoRate = static_cast<double>(rate.numerator) / rate.denominator;
     summary.complete = result.video.completeness.isComplete();

@@ -85,9 +85,11 @@ struct Summary {
     /// The video's frames that belong in the sweep were all there: it neither ended early nor was
     /// damaged.
     bool complete = true;
-    std::filesystem::path video;         ///< As given to capture.
-    std::optional<FileIdentity> source;  ///< The same file, to be found again; see identityOf.
-    SweepChecksums checksums;            ///< Of what was written beside this summary.
+    std::filesystem::path video;  ///< As given to capture.
+    /// The same file, to be found again; see identityOf. None where its first frame is not the
+    /// sweep's.
+    std::optional<FileIdentity> source;
+    SweepChecksums checksums;  ///< Of what was written beside this summary.
     int width = 0;
     int height = 0;
     int frames = 0;

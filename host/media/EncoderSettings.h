@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
+#include "media/ColourMatrix.h"
 #include "media/MediaTypes.h"
 
 namespace orbitwalk::media {
@@ -10,6 +12,8 @@ struct EncoderSettings {
     int width = 0;   ///< Even, pixels, at most 16384.
     int height = 0;  ///< Even, pixels, at most 16384.
     FrameRate frameRate;
+    /// Of the frames, where it is not that of their size: two of them beside each other, say.
+    std::optional<ColourMatrix> matrix;
     std::int64_t bitRate = 0;  ///< Bits per second, 1000 to 10^9; 0: constant quality instead.
     int quality = 18;  ///< Constant rate factor, 0 to 51, used when bitRate is 0; lower is better.
     int keyFrameInterval = 15;  ///< A key frame stands at every multiple of it and nowhere else.

@@ -4,11 +4,13 @@
 #include <new>
 
 #include "media/AvSupport.h"
+#include "media/ColourMatrix.h"
 #include "media/MediaTypes.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
 }
 
 namespace orbitwalk::media {
@@ -79,6 +81,14 @@ void I420Packer::prepareScaler(const AVFrame& picture) {
         av_opt_set_int(scaler.get(), option.name, option.value, 0);
     if (const int result = sws_init_context(scaler.get(), nullptr, nullptr); result < 0)
         throw MediaError("cannot convert the picture format: " + avErrorText(result));
+    if (av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format))->flags &
+        AV_PIX_FMT_FLAG_RGB) {
+        const bool highDefinition = colourMatrixOf(width, height) == ColourMatrix::Bt709;
+        sws_setColorspaceDetails(
+            scaler.get(), sws_getCoefficients(SWS_CS_DEFAULT), isFullRange(picture),
+            sws_getCoefficients(highDefinition ? SWS_CS_ITU709 : SWS_CS_ITU601), 0, 0, 1 << 16,
+            1 << 16);
+    }
 
     mConverted = makeFrame();
     mConverted->format = AV_PIX_FMT_YUV420P;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "media/AvSupport.h"
+#include "media/ColourMatrix.h"
 #include "media/MediaTypes.h"
 
 extern "C" {
@@ -36,17 +37,22 @@ void completeColours(AVFrame& picture) {
 }
 
 std::string filtersFor(const AVFrame& picture) {
+    const bool highDefinition =
+        colourMatrixOf(picture.width, picture.height) == ColourMatrix::Bt709;
+    const std::string matrix = std::string("m=") + (highDefinition ? "709" : "170m");
+    if (!isWideColour(picture))
+        return "zscale=" + matrix + ":r=tv,format=yuv420p";
     // Curves are applied to linear light; white of an ordinary video stands at 100 cd/m2.
     const std::string compress =
         isHighDynamicRange(picture)
             ? "zscale=t=linear:npl=100,format=gbrpf32le,zscale=p=bt709,tonemap=hable:desat=0,"
             : "";
-    const std::string matrix = isHighDefinition(picture.width, picture.height) ? "709" : "170m";
-    return compress + "zscale=p=bt709:t=bt709:m=" + matrix + ":r=tv,format=yuv420p";
+    return compress + "zscale=p=bt709:t=bt709:" + matrix + ":r=tv,format=yuv420p";
 }
 
 [[noreturn]] void fail(int result) {
-    throw MediaError("its colours (HDR or BT.2020) cannot be converted: " + avErrorText(result));
+    throw MediaError("its colours (HDR, BT.2020 or another matrix) cannot be converted: " +
+                     avErrorText(result));
 }
 
 void check(int result) {
@@ -70,6 +76,12 @@ bool isWideColour(const AVFrame& picture) {
     return isHighDynamicRange(picture) || isWideGamut(picture);
 }
 
+bool hasOtherMatrix(const AVFrame& picture) {
+    if (colourMatrixOf(picture.width, picture.height) == ColourMatrix::Bt601)
+        return picture.colorspace == AVCOL_SPC_BT709;
+    return picture.colorspace == AVCOL_SPC_BT470BG || picture.colorspace == AVCOL_SPC_SMPTE170M;
+}
+
 ToneMapper::~ToneMapper() {
     avfilter_graph_free(&mGraph);
 }
@@ -77,7 +89,8 @@ ToneMapper::~ToneMapper() {
 const AVFrame& ToneMapper::map(const AVFrame& picture) {
     mInput = makeFrame();
     check(av_frame_ref(mInput.get(), &picture));
-    completeColours(*mInput);
+    if (isWideColour(picture))
+        completeColours(*mInput);
     if (!mGraph)
         prepare(*mInput);
     check(av_buffersrc_add_frame(mSource, mInput.get()));

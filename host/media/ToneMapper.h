@@ -11,9 +11,12 @@ namespace orbitwalk::media {
 /// primaries or matrix, or the transfer PQ or HLG.
 bool isWideColour(const AVFrame& picture);
 
-/// Brings wide pictures into the range of an ordinary video, by libavfilter: I420 of video range in
-/// the matrix that their size stands for. Bright parts of PQ and HLG are compressed, not cut off, up
-/// to 1000 cd/m2 or what the file says of its brightest.
+/// Whether a picture says that it is coded by another matrix than that of its size.
+bool hasOtherMatrix(const AVFrame& picture);
+
+/// Brings wide pictures, and those of another matrix, into the range of an ordinary video, by
+/// libavfilter: I420 of video range in the matrix that their size stands for. Bright parts of PQ
+/// and HLG are compressed, not cut off, up to 1000 cd/m2 or what the file says of its brightest.
 /// One thread.
 class ToneMapper {
   public:

@@ -40,8 +40,8 @@ const char* noSceneCuts(const AVCodec& encoder) {
     return encoder.id == AV_CODEC_ID_MPEG4 ? "1000000000" : "0";
 }
 
-void tagColours(AVCodecContext& codec) {
-    const bool highDefinition = isHighDefinition(codec.width, codec.height);
+void tagColours(AVCodecContext& codec, ColourMatrix matrix) {
+    const bool highDefinition = matrix == ColourMatrix::Bt709;
     codec.color_range = AVCOL_RANGE_MPEG;
     codec.colorspace = highDefinition ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
     codec.color_primaries = highDefinition ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
@@ -82,7 +82,7 @@ CodecPtr open(const AVCodec& encoder, const EncoderSettings& settings, int& resu
     codec->thread_count = settings.threads;
     // Parameter sets belong in the MP4's header; no picture refers across a key frame.
     codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER | AV_CODEC_FLAG_CLOSED_GOP;
-    tagColours(*codec);
+    tagColours(*codec, settings.matrix.value_or(colourMatrixOf(settings.width, settings.height)));
 
     Options options;
     options.set("preset", kPresets.at(static_cast<std::size_t>(settings.speed)));

@@ -127,8 +127,8 @@ bool VideoReader::read(std::vector<std::uint8_t>& i420) {
     if (picture->width != state.width || picture->height != state.height)
         throw MediaError(complaint + "its picture size changes half-way");
     try {
-        state.packer.pack(media::isWideColour(*picture) ? state.toneMapper.map(*picture) : *picture,
-                          i420);
+        const bool mapped = media::isWideColour(*picture) || hasOtherMatrix(*picture);
+        state.packer.pack(mapped ? state.toneMapper.map(*picture) : *picture, i420);
     } catch (const MediaError& error) {
         throw MediaError(complaint + error.what());
     }

@@ -40,7 +40,8 @@ struct RateRange {
 /// Decodes the main video stream of any local file that FFmpeg reads, frame by frame in
 /// presentation order, without duplicating or dropping any, however uneven their timestamps. Frames
 /// come as 8-bit planar YUV 4:2:0 (I420) of video range, tightly packed, not turned; an odd last
-/// column or row is cut off, and HDR and wide gamut are brought into BT.709's. Pictures too damaged
+/// column or row is cut off, HDR and wide gamut are brought into BT.709's, and other matrices into
+/// that of the size (see colourMatrixOf). Pictures too damaged
 /// to decode are left out, and a file that was cut off ends after the last picture that decodes:
 /// completeness tells. One thread at a time.
 class VideoReader {

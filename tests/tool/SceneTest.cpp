@@ -72,12 +72,12 @@ TEST(ScenePlacement, RefusesASweepThatDoesNotFitAndNamesTheLongest) {
 
 TEST(ColourPlanes, HoldTheStandardsValuesOfPureRed) {
     struct Case {
-        ColourMatrix matrix;
+        media::ColourMatrix matrix;
         float y, cb, cr;
     };
     const cv::Mat3b red(16, 16, cv::Vec3b(0, 0, 255));
-    for (const Case& c :
-         {Case{ColourMatrix::Bt601, 81, 90, 240}, {ColourMatrix::Bt709, 63, 102, 240}}) {
+    for (const Case& c : {Case{media::ColourMatrix::Bt601, 81, 90, 240},
+                          {media::ColourMatrix::Bt709, 63, 102, 240}}) {
         const ColourPlanes planes = softPlanes(red, 1, c.matrix);
         EXPECT_NEAR(planes.y(8, 8), c.y, 0.6);
         EXPECT_NEAR(planes.cb(4, 4), c.cb, 0.6);

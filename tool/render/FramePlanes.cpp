@@ -1,8 +1,9 @@
 #include "render/FramePlanes.h"
 
-#include <algorithm>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
+
+#include "media/ColourMatrix.h"
 
 namespace orbitwalk::tool {
 
@@ -62,10 +63,10 @@ cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size) {
     cv::Mat3b video;
     cv::merge(std::vector<cv::Mat>{planes.y, fullSize(planes.cb, size), fullSize(planes.cr, size)},
               video);
-    const bool highDefinition = std::max(size.width, size.height) >= 720;
+    const auto weights = media::lumaWeights(media::colourMatrixOf(size.width, size.height));
     cv::Mat3b picture;
     cv::transform(video, picture,
-                  highDefinition ? bgrFromVideo(0.2126f, 0.0722f) : bgrFromVideo(0.299f, 0.114f));
+                  bgrFromVideo(static_cast<float>(weights.red), static_cast<float>(weights.blue)));
     return picture;
 }
 

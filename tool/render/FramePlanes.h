@@ -29,7 +29,7 @@ FramePlanes planesOf(std::span<std::uint8_t> frame, cv::Size size);
 /// The same, for reading only.
 const FramePlanes planesOf(std::span<const std::uint8_t> frame, cv::Size size);
 
-/// The frame as a picture, by BT.709 from 720 lines or columns on and by BT.601 below.
+/// The frame as a picture, by the matrix of its size.
 cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size);
 
 }  // namespace orbitwalk::tool

@@ -30,12 +30,15 @@ Pixels recorded(const Pixels& frame, const Sweep& sweep) {
                                     : frame;
 }
 
+/// @param size, frame  of the video's pictures, and of the sweep's: compared, two stand side by
+/// side.
 media::EncoderSettings encoderSettings(const SteadySettings& settings, cv::Size size,
-                                       media::FrameRate rate) {
+                                       cv::Size frame, media::FrameRate rate) {
     media::EncoderSettings encoder;
     encoder.width = size.width;
     encoder.height = size.height;
     encoder.frameRate = rate;
+    encoder.matrix = media::colourMatrixOf(frame.width, frame.height);
     encoder.quality = settings.quality;
     encoder.bitRate = settings.bitRate;
     encoder.threads = 4;  // The encoder's output depends on their number, not on the machine's.
@@ -79,8 +82,9 @@ SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings,
     const int workers = workerCount(settings.threads);
     ShotReader reader(sweep, shots);
     std::optional<media::VideoWriter> writer;
-    naming(name,
-           [&] { writer.emplace(stream, encoderSettings(settings, size, reader.frameRate())); });
+    naming(name, [&] {
+        writer.emplace(stream, encoderSettings(settings, size, sweep.size(), reader.frameRate()));
+    });
     int written = 0;
     const OneThreadEach guard;
     OrderedPipeline<ShotFrame, Pixels> pipeline(

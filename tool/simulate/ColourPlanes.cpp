@@ -8,9 +8,9 @@ namespace {
 
 // From blue, green, red and one to limited range. Computed on the gamma-coded values, as a camera
 // does.
-cv::Matx34f videoMatrix(ColourMatrix matrix) {
-    const bool bt709 = matrix == ColourMatrix::Bt709;
-    const double kr = bt709 ? 0.2126 : 0.299, kb = bt709 ? 0.0722 : 0.114, kg = 1 - kr - kb;
+cv::Matx34f videoMatrix(media::ColourMatrix matrix) {
+    const auto [kr, kb] = media::lumaWeights(matrix);
+    const double kg = 1 - kr - kb;
     constexpr double luma = 219 / 255.0, colour = 112 / 255.0;
     const double u = colour / (1 - kb), v = colour / (1 - kr);
     return cv::Matx34d(luma * kb, luma * kg, luma * kr, 16,  //
@@ -40,7 +40,7 @@ ColourPlanes blankPlanes(cv::Size size) {
     return {cv::Mat1f(size), cv::Mat1f(half), cv::Mat1f(half)};
 }
 
-ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma, ColourMatrix matrix) {
+ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma, media::ColourMatrix matrix) {
     cv::Mat3f ycc;
     bgr.convertTo(ycc, CV_32F);
     cv::transform(ycc, ycc, videoMatrix(matrix));

@@ -2,6 +2,7 @@
 
 #include <opencv2/core.hpp>
 
+#include "media/ColourMatrix.h"
 #include "simulate/Resampler.h"
 
 namespace orbitwalk::tool {
@@ -17,10 +18,8 @@ struct ColourPlanes {
 /// Planes for a frame; width and height even.
 ColourPlanes blankPlanes(cv::Size size);
 
-enum class ColourMatrix { Bt601, Bt709 };
-
 /// The picture as a lens of the given Gaussian sigma shows it, in pixels of the picture.
-ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma, ColourMatrix matrix);
+ColourPlanes softPlanes(const cv::Mat3b& bgr, double sigma, media::ColourMatrix matrix);
 
 /// Fills a frame from a scene. @param grid  scene point of each full-size pixel of the frame.
 void resample(const ColourPlanes& scene, const SamplingGrid& grid, ColourPlanes& frame);

@@ -57,7 +57,7 @@ void blend(const cv::Mat1f& texture, const SamplingGrid& grid, cv::Point2d centr
 
 }  // namespace
 
-MovingObject::MovingObject(const SimulationSettings& settings, ColourMatrix matrix) {
+MovingObject::MovingObject(const SimulationSettings& settings, media::ColourMatrix matrix) {
     const cv::Size2d frame(settings.size.width, settings.size.height);
     mHalfAxes = cv::Size2d(0.3, 0.5) * (settings.object * frame.height);
     const cv::Point2d direction = cameraStep(settings.direction);

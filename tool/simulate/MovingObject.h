@@ -10,7 +10,7 @@ namespace orbitwalk::tool {
 class MovingObject {
   public:
     /// @param settings  object must be above 0.
-    MovingObject(const SimulationSettings& settings, ColourMatrix matrix);
+    MovingObject(const SimulationSettings& settings, media::ColourMatrix matrix);
 
     /// Middle of the object in the given frame, pixels.
     cv::Point2d centre(int frame) const;

@@ -64,9 +64,7 @@ Simulation::Simulation(const SimulationSettings& settings, const cv::Mat3b& phot
     : mSettings(settings),
       mPoses(cameraPath(settings)),
       mTruth(trueMotions(mPoses, settings.size)),
-      mMatrix(media::isHighDefinition(settings.size.width, settings.size.height)
-                  ? ColourMatrix::Bt709
-                  : ColourMatrix::Bt601),
+      mMatrix(media::colourMatrixOf(settings.size.width, settings.size.height)),
       mPicture(blankPlanes({settings.size.width, settings.size.height})) {
     const cv::Rect2d extent = sceneExtent(mPoses, settings.size);
     prepareScene(photo.empty() ? ownScene(extent, settings) : photo, extent);

@@ -35,7 +35,7 @@ class Simulation {
     SimulationSettings mSettings;
     std::vector<CameraPose> mPoses;
     std::vector<TrueMotion> mTruth;
-    ColourMatrix mMatrix;
+    media::ColourMatrix mMatrix;
     double mPhotoScale = 1;
     ScenePlacement mPlacement;  // Of the scene in mScene.
     ColourPlanes mScene;

@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+namespace orbitwalk {
+
 BuildType::BuildType() {
     __system_property_get("ro.build.type", mValue.data());
     mValue.back() = '\0';
@@ -12,3 +14,5 @@ BuildType::BuildType() {
 bool BuildType::isEngineering() const {
     return std::strncmp(mValue.data(), "eng", 256) == 0;
 }
+
+}  // namespace orbitwalk

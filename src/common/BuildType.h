@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace orbitwalk {
+
 /// The platform's build type, from the system property "ro.build.type".
 class BuildType {
   public:
@@ -15,3 +17,5 @@ class BuildType {
   private:
     std::array<char, 257> mValue{};
 };
+
+}  // namespace orbitwalk

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <limits>
 
+namespace orbitwalk {
+
 /// Conversion toward zero without an undefined corner: out of range saturates and NaN gives 0, as
 /// the convert instruction of the ARM target does.
 inline std::int32_t truncateToInt32(double value) {
@@ -21,3 +23,5 @@ inline std::int32_t truncateToInt32(double value) {
 inline std::int32_t toFixedPoint(double value) {
     return truncateToInt32(value * 1000000.0);
 }
+
+}  // namespace orbitwalk

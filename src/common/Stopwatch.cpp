@@ -2,6 +2,8 @@
 
 #include <android/log.h>
 
+namespace orbitwalk {
+
 float elapsedMilliseconds(const timeval& from, const timeval& to) {
     auto seconds = to.tv_sec - from.tv_sec;
     auto microseconds = to.tv_usec - from.tv_usec;
@@ -22,3 +24,5 @@ void Stopwatch::log(const char* tag) const {
     __android_log_print(ANDROID_LOG_VERBOSE, tag, "Time Elapsed : %f ms\n",
                         static_cast<double>(elapsedMilliseconds(mStart, now)));
 }
+
+}  // namespace orbitwalk

@@ -2,6 +2,8 @@
 
 #include <sys/time.h>
 
+namespace orbitwalk {
+
 /// Milliseconds between two times of day. Both parts are computed in single precision, after
 /// borrowing a second when the microsecond difference is negative.
 float elapsedMilliseconds(const timeval& from, const timeval& to);
@@ -30,3 +32,5 @@ class ScopedTiming {
     const char* mTag;
     Stopwatch mStopwatch;
 };
+
+}  // namespace orbitwalk

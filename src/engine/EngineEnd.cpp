@@ -15,7 +15,7 @@ constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 
 int kelOBWEngine::cancel() {
     cancelCmdReceived = true;
-    const Stopwatch time;
+    const orbitwalk::Stopwatch time;
     logInfo(
         "kelOBWEngine::cancel -- called, blocking call, Capture Engine Version = %s, date = %s, "
         "time %s",

@@ -12,7 +12,7 @@ constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 }  // namespace
 
 int kelOBWEngine::setFrameInfo(unsigned char* frame, float x, float y, float a) {
-    const Stopwatch callTime;
+    const orbitwalk::Stopwatch callTime;
     logInfo("kelOBWEngine::setFrameInfo -- called, Capture Engine Version = %s, date = %s, time %s",
             kEngineVersion, kEngineDate, kEngineTime);
     logInfo(
@@ -60,8 +60,8 @@ kelOBWEngine::HandOver kelOBWEngine::handOver(unsigned char* frame) try {
     const std::lock_guard objects(objectsLock);
     if (frame == nullptr || frameProcessor == nullptr)
         return HandOver::nothingToQueue;
-    const Stopwatch copyTime;
-    if (frameProcessor->sendFrame(frame, yuv420FrameBytes(frameWidth, frameHeight)) == 0)
+    const orbitwalk::Stopwatch copyTime;
+    if (frameProcessor->sendFrame(frame, orbitwalk::yuv420FrameBytes(frameWidth, frameHeight)) == 0)
         return HandOver::refused;
     copyTime.log("kelOBWEngine::setFrameInfo profile memcopy : input sendFrame_acc");
     return HandOver::queued;
@@ -86,7 +86,8 @@ int kelOBWEngine::computeTrajectory(unsigned char* frame, float* x, float* y, fl
             logError("kelOBWEngine::computeTrajectory : ERROR! no FindTransform\n");
             return OBW_RESULT_FAIL;
         }
-        const ScopedTiming timing("kelOBWEngine::computeTrajectory : computeTrajectory_time");
+        const orbitwalk::ScopedTiming timing(
+            "kelOBWEngine::computeTrajectory : computeTrajectory_time");
         status = p_mFindTransform->getTrajectory(frame, x, y, a);
     } catch (...) {
         logError("kelOBWEngine::computeTrajectory : ERROR! the measurement failed\n");

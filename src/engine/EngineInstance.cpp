@@ -18,7 +18,7 @@ constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 constinit std::atomic<kelOBWEngine*> kelOBWEngine::pOBWEngine = nullptr;
 
 kelOBWEngine::kelOBWEngine() {
-    const BuildType buildType;
+    const orbitwalk::BuildType buildType;
     logInfo("kelOBWEngine::kelOBWEngine -- buildType = %s", buildType.text());
     isEngBuild = buildType.isEngineering();
     if (isEngBuild)

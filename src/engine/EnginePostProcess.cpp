@@ -41,7 +41,7 @@ void* kelOBWEngine::onOBWEngineDoPostProcess(void* engine) {
 void kelOBWEngine::postProcess() {
     logInfo("kelOBWEngine::onOBWEngineDoPostProcess -- Enter : numCapture=%d, totalNumFrames = %d",
             numCapture.load(), totalNumFrames.load());
-    const Stopwatch time;
+    const orbitwalk::Stopwatch time;
     if (!finishMP4())
         return;
     notifyProgress(15);

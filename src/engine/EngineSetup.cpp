@@ -89,7 +89,8 @@ void kelOBWEngine::createFrameProcessor() {
     logInfo("kelOBWEngine::start Creating  OBW_FrameProcessor with WxH = %dx%d ", params.width,
             params.height);
     {
-        const ScopedTiming timing("kelOBWEngine::start profile create_FrameProcessor_acc");
+        const orbitwalk::ScopedTiming timing(
+            "kelOBWEngine::start profile create_FrameProcessor_acc");
         frameProcessor = std::make_unique<OBW_FrameProcessor>(params);
     }
     frameProcessor->start();

@@ -12,7 +12,7 @@ constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 }  // namespace
 
 int kelOBWEngine::doSmoothingAndFillMetadata(kelOBWEngine* engine) {
-    const Stopwatch time;
+    const orbitwalk::Stopwatch time;
     __kelOBWKDXMetaData& record = *engine->pOBWKDXMetaInfo;
     record.maxFrames = OBW_MAX_FRAMES;
     record.viewAngleMaxFrames = OBW_MAX_BORDER_FRAMES;

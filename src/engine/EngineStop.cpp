@@ -15,7 +15,7 @@ constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 
 int kelOBWEngine::stop(int startFrame, int endFrame, const _ENCODING_FRAME_INFORMATION* frames,
                        int count, OBWDirection direction) {
-    const Stopwatch stopTime;
+    const orbitwalk::Stopwatch stopTime;
     logInfo(
         "kelOBWEngine::stop STOP_NON_BLOCKING -- called, Capture Engine Version = %s, date = %s, "
         "time %s",
@@ -129,7 +129,7 @@ int kelOBWEngine::sendSingleFrame() {
 void kelOBWEngine::insertTransformInfoInOBWMetaData(double dx, double dy, int frameIndex) {
     const bool alongX = sweepAxis(orientation, captureDirection) == SweepAxis::x;
     const double displacement = alongX ? dx : dy;
-    const std::int32_t scaled = toFixedPoint(displacement);
+    const std::int32_t scaled = orbitwalk::toFixedPoint(displacement);
     pOBWKDXMetaInfo->scaledInputTransform[frameIndex] = scaled;
     if (alongX)
         logInfo(
@@ -145,7 +145,7 @@ void kelOBWEngine::insertTransformInfoInOBWMetaData(double dx, double dy, int fr
 
 /// Once the thread runs, it owns the lock and may even see the engine deleted, so nothing of the
 /// engine is touched any more.
-int kelOBWEngine::startPostProcessing(StateLockGuard& hold, const Stopwatch& stopTime) {
+int kelOBWEngine::startPostProcessing(StateLockGuard& hold, const orbitwalk::Stopwatch& stopTime) {
     hold.handOver();
     pthread_t thread;
     if (pthread_create(&thread, nullptr, onOBWEngineDoPostProcess, this) != 0) {

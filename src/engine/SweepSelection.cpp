@@ -3,11 +3,11 @@
 SweepSelection selectSweep(std::span<const _ENCODING_FRAME_INFORMATION> frames, int startFrame,
                            int endFrame) {
     SweepSelection selection;
-    Trajectory reference;
+    orbitwalk::Trajectory reference;
     for (int i = 0; i < static_cast<int>(frames.size()); ++i) {
         if (frames[i].render != 1 || i < startFrame || i > endFrame)
             continue;
-        const Trajectory position{frames[i].x, frames[i].y, frames[i].a};
+        const orbitwalk::Trajectory position{frames[i].x, frames[i].y, frames[i].a};
         if (selection.reference < 0) {
             selection.reference = i;
             reference = position;

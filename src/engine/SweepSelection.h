@@ -4,13 +4,13 @@
 #include <span>
 #include <vector>
 
-#include "common/Trajectory.h"
 #include "orbitwalk/Engine.h"
+#include "orbitwalk/Geometry.h"
 
 /// Position of a selected frame, relative to the reference frame.
 struct SweepTransform {
     int frame;  ///< Index among the encoded frames.
-    Trajectory fromReference;
+    orbitwalk::Trajectory fromReference;
 
     friend bool operator==(const SweepTransform&, const SweepTransform&) = default;
 };

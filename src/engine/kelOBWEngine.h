@@ -81,7 +81,7 @@ class kelOBWEngine {
     int sendTransform(const SweepTransform& transform);
     int sendSingleFrame();
     void insertTransformInfoInOBWMetaData(double dx, double dy, int frameIndex);
-    int startPostProcessing(StateLockGuard& hold, const Stopwatch& stopTime);
+    int startPostProcessing(StateLockGuard& hold, const orbitwalk::Stopwatch& stopTime);
 
     static void* onOBWEngineDoPostProcess(void* engine);
     int doSmoothingAndFillMetadata(kelOBWEngine* engine);

@@ -47,9 +47,9 @@ std::int32_t slotSize(std::int32_t maxFrameSize) {
 
 OBW_FrameProcessor::OBW_FrameProcessor(const CreationParams& params)
     : mParams(params),
-      mMaxFrameSize(yuv420FrameBytes(params.width, params.height)),
+      mMaxFrameSize(orbitwalk::yuv420FrameBytes(params.width, params.height)),
       mQueue(slotSize(mMaxFrameSize), params.numBuffers, params.bufferPool) {
-    const BuildType buildType;
+    const orbitwalk::BuildType buildType;
     logInfo("OBW_FrameProcessor::OBW_FrameProcessor -- buildType = %s", buildType.text());
     mIsEngBuild = buildType.isEngineering();
     logCreation();

@@ -32,7 +32,7 @@ OBW_MP4EncoderProcess::OBW_MP4EncoderProcess(int width, int height, SPMCQueue<un
       mp4TempDir(tempDir),
       mp4FileHandle(fileHandle),
       mp4FileHandleId(fileHandleId) {
-    const BuildType buildType;
+    const orbitwalk::BuildType buildType;
     logInfo("OBW_MP4EncoderProcess::OBW_MP4EncoderProcess -- buildType = %s", buildType.text());
     mIsEngBuild = buildType.isEngineering();
     logCreation();
@@ -83,7 +83,7 @@ void OBW_MP4EncoderProcess::onStart() {
     std::snprintf(writerTempDir, sizeof writerTempDir, "%s%s", mp4TempDir, "RW_LIB/");
     logWriterSettings(writerTempDir);
 
-    const Stopwatch stopwatch;
+    const orbitwalk::Stopwatch stopwatch;
     mp4InitState = InitMP4Engine(nullptr, writerTempDir, mWidth, mHeight, kRotation, kBitRate,
                                  kKeyInterval, kFrameRate, kSpeed, mp4FileHandleId, mp4FileHandle);
     logInfo("OBW_MP4EncoderProcess::onStart --: InitMP4Engine done : %d", mp4InitState);
@@ -107,7 +107,7 @@ bool OBW_MP4EncoderProcess::onRun() {
         return false;
     }
     logInfo("OBW_MP4EncoderProcess::onRun -- got buffer = %p", static_cast<const void*>(frame));
-    const Stopwatch stopwatch;
+    const orbitwalk::Stopwatch stopwatch;
     mMp4RetStatus = EncodeFrame(frame);
     logInfo("OBW_MP4EncoderProcess::onRun -- EncodeFrame done retVal =%d", mMp4RetStatus);
     stopwatch.log("OBW_MP4EncoderProcess::onRun -- EncodeFrame done : MP4Time_acc");
@@ -126,7 +126,7 @@ void OBW_MP4EncoderProcess::onStop() {
 }
 
 int OBW_MP4EncoderProcess::stop() {
-    const Stopwatch stopwatch;
+    const orbitwalk::Stopwatch stopwatch;
     logInfo("OBW_MP4EncoderProcess::stop -- enter");
     requestStopAndWait();
     logInfo("OBW_MP4EncoderProcess::stop -- requestStopAndWait done");
@@ -159,7 +159,7 @@ void OBW_MP4EncoderProcess::encodeFillerFrame() const {
     logInfo("MP4EncoderProc::stop:Qendor -- no frame had been encoded till now");
     try {
         const auto filler = std::make_unique<unsigned char[]>(
-            static_cast<std::size_t>(yuv420FrameBytes(mWidth, mHeight)));
+            static_cast<std::size_t>(orbitwalk::yuv420FrameBytes(mWidth, mHeight)));
         // The result is only logged: a recording without frames has failed either way.
         const int result = EncodeFrame(filler.get());
         logInfo("OBW_MP4EncoderProcess::stop -- EncodeFrame done retVal = %d", result);

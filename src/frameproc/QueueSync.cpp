@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <stdexcept>
 
+namespace orbitwalk {
+
 QueueLock::~QueueLock() {
     pthread_rwlock_destroy(&mLock);
 }
@@ -45,3 +47,5 @@ bool QueueSemaphore::wait() {
     while (result != 0 && errno == EINTR);
     return result == 0;
 }
+
+}  // namespace orbitwalk

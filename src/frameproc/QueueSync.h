@@ -3,6 +3,8 @@
 #include <pthread.h>
 #include <semaphore.h>
 
+namespace orbitwalk {
+
 /// The frame queue's reader-writer lock, for std::lock_guard and std::shared_lock. A lock that
 /// fails throws std::runtime_error with the queue's text.
 class QueueLock {
@@ -39,3 +41,5 @@ class QueueSemaphore {
   private:
     sem_t mSemaphore;
 };
+
+}  // namespace orbitwalk

@@ -3,7 +3,7 @@
 #include <limits>
 #include <stdexcept>
 
-namespace ring {
+namespace orbitwalk::ring {
 
 namespace {
 
@@ -46,4 +46,4 @@ Growth growByOne(const Positions& ring) {
                       .pending = ring.pending}};
 }
 
-}  // namespace ring
+}  // namespace orbitwalk::ring

@@ -5,7 +5,7 @@
 
 /// The arithmetic of a growable ring of slots between one producer and one consumer. Values in,
 /// values out.
-namespace ring {
+namespace orbitwalk::ring {
 
 /// Positions count up without wrapping; a position's slot is its remainder by the length.
 struct Positions {
@@ -41,4 +41,4 @@ bool isFull(const Positions& ring, std::int32_t reservedSlots);
 
 Growth growByOne(const Positions& ring);
 
-}  // namespace ring
+}  // namespace orbitwalk::ring

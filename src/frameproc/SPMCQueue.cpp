@@ -30,7 +30,8 @@ SPMCQueue<T>::SPMCQueue(std::int32_t frameSize, std::int32_t numFrames, T* input
 
 template <typename T>
 T* SPMCQueue<T>::allocateRing(T* inputPool) {
-    const std::size_t totalSize = ring::totalBytes(mFrameSize, mNumFrames, sizeof kEndMarker);
+    const std::size_t totalSize =
+        orbitwalk::ring::totalBytes(mFrameSize, mNumFrames, sizeof kEndMarker);
     mAllocations.reserve(16);
     logInfo("SPMCQueue buffer alloc : totalSize=%d, mFrameSize=%d, mNumFrames=%d",
             static_cast<int>(totalSize), mFrameSize, mNumFrames);
@@ -67,7 +68,7 @@ SPMCQueue<T>::~SPMCQueue() {
 }
 
 template <typename T>
-ring::Positions SPMCQueue<T>::positions() const {
+orbitwalk::ring::Positions SPMCQueue<T>::positions() const {
     return {mNumFrames, mWriteCount, mReadIndex, mPending};
 }
 
@@ -75,9 +76,9 @@ template <typename T>
 T* SPMCQueue<T>::writeLock() {
     const std::lock_guard guard(mLock);
     mHeadRoom = std::min(mHeadRoom, mNumFrames - mPending);
-    if (ring::isFull(positions(), mReservedSlots))
+    if (orbitwalk::ring::isFull(positions(), mReservedSlots))
         return grow();
-    return mBuffers[ring::slotOf(mWriteCount, mNumFrames)];
+    return mBuffers[orbitwalk::ring::slotOf(mWriteCount, mNumFrames)];
 }
 
 template <typename T>
@@ -90,7 +91,7 @@ T* SPMCQueue<T>::grow() {
     logInfo("SPMCQueue new buffer = %p ", static_cast<void*>(slot));
 
     mHeadRoom = std::numeric_limits<std::int32_t>::max();
-    const ring::Growth growth = ring::growByOne(positions());
+    const orbitwalk::ring::Growth growth = orbitwalk::ring::growByOne(positions());
     if (growth.cornerCase)
         logInfo("SPMCQueue adjusting corner case tail for %d", mPending);
     std::rotate(mBuffers.begin(), mBuffers.begin() + static_cast<std::ptrdiff_t>(growth.rotation),
@@ -116,7 +117,7 @@ T* SPMCQueue<T>::readLock() {
     if (!mSem->wait() || mEmergencyExit.load())
         return nullptr;
     std::shared_lock guard(mLock);
-    T* const slot = mBuffers[ring::slotOf(mReadIndex, mNumFrames)];
+    T* const slot = mBuffers[orbitwalk::ring::slotOf(mReadIndex, mNumFrames)];
     guard.unlock();
     // The marker first, then the null test: a slot is never null.
     if (std::strcmp(reinterpret_cast<const char*>(slot), kEndMarker) == 0 || slot == nullptr)

@@ -65,16 +65,17 @@ class SPMCQueue {
     using Block = std::unique_ptr<T[], BlockDeleter>;
 
     T* allocateRing(T* inputPool);
-    ring::Positions positions() const;
+    orbitwalk::ring::Positions positions() const;
     T* grow();
 
     const std::int32_t mFrameSize;
     std::int32_t mNumFrames;
     static constexpr std::int32_t mReservedSlots = 1;
-    std::optional<QueueSemaphore> mSem;  ///< Committed frames that the consumer has not yet taken.
+    std::optional<orbitwalk::QueueSemaphore>
+        mSem;  ///< Committed frames that the consumer has not yet taken.
 
     /// Guards the counters and the ring, never the slots' contents.
-    QueueLock mLock;
+    orbitwalk::QueueLock mLock;
     std::vector<T*> mBuffers;
     std::vector<Block> mAllocations;
     std::int32_t mWriteCount = 0;

@@ -4,7 +4,7 @@
 
 #include "common/FixedPoint.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 namespace {
 
@@ -35,4 +35,4 @@ CropBounds fitToAspect(const CropBounds& bounds, FrameSize size) {
     return fitted;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

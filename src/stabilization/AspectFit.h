@@ -2,7 +2,7 @@
 
 #include "stabilization/CropBounds.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 /// Trims the longer side of the bounds until they have the frame's aspect ratio. Each of the two
 /// edges gives in proportion to the margin that it has already (at least one pixel).
@@ -13,4 +13,4 @@ namespace stabilization {
 /// @param size    positive.
 CropBounds fitToAspect(const CropBounds& bounds, FrameSize size);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

@@ -5,7 +5,7 @@
 
 #include "common/FixedPoint.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 namespace {
 
@@ -136,4 +136,4 @@ BorderFit fitEndFrames(std::span<const Trajectory> smoothPath, const Trajectory&
     return fit;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

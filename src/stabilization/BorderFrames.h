@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 #include "stabilization/CropBounds.h"
 #include "stabilization/LineFit.h"
 
@@ -12,7 +12,7 @@
 /// of the first and last frame whose offsets continue the smoothed path. Across the sweep the
 /// offset is limited to the crop margins; along the sweep it is stretched to end exactly at a
 /// margin. All in single precision.
-namespace stabilization {
+namespace orbitwalk {
 
 inline constexpr int kBorderFrames = 6;
 /// Smoothed points that the continuation is fitted to.
@@ -68,4 +68,4 @@ BorderFit fitStartFrames(std::span<const Trajectory> smoothPath, const BorderGeo
 BorderFit fitEndFrames(std::span<const Trajectory> smoothPath, const Trajectory& lastTransform,
                        const BorderGeometry& geometry);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace stabilization {
+namespace orbitwalk {
 
 std::vector<Trajectory> rebuildPath(std::span<const Trajectory> transforms) {
     std::vector<Trajectory> path;
@@ -45,4 +45,4 @@ CorrectedTransforms correctTransforms(std::span<const Trajectory> transforms,
     return corrected;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

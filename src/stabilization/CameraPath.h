@@ -3,9 +3,9 @@
 #include <span>
 #include <vector>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 /// Running sum of frame-to-frame transforms: one point per frame, point 0 equal to transform 0.
 std::vector<Trajectory> rebuildPath(std::span<const Trajectory> transforms);
@@ -33,4 +33,4 @@ CorrectedTransforms correctTransforms(std::span<const Trajectory> transforms,
                                       std::span<const Trajectory> path,
                                       std::span<const Trajectory> smoothPath);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

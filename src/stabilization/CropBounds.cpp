@@ -6,7 +6,7 @@
 
 #include "common/FixedPoint.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 CropBounds wholeFrame(FrameSize size) {
     return {0, size.width, 0, size.height};
@@ -50,4 +50,4 @@ bool keepsEnough(const CropBounds& bounds, FrameSize size, double cropRatio) {
            height >= truncateToInt32(cropRatio * size.height);
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

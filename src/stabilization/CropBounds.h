@@ -4,15 +4,10 @@
 #include <opencv2/core/types.hpp>
 #include <span>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
 /// Coordinates: pixels of the full-size frame, x right, y down.
-namespace stabilization {
-
-struct FrameSize {
-    int width = 0;
-    int height = 0;
-};
+namespace orbitwalk {
 
 /// Rectangle that every corrected frame still covers.
 struct CropBounds {
@@ -44,4 +39,4 @@ CropBounds narrowed(const CropBounds& bounds, std::span<const cv::Point2f> corne
 /// (share times size, truncated).
 bool keepsEnough(const CropBounds& bounds, FrameSize size, double cropRatio);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

@@ -5,7 +5,7 @@
 
 #include "common/FixedPoint.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 namespace {
 
@@ -42,4 +42,4 @@ CropSmoothingPin pinToMargins(const CropSmoothingSide& side) {
     return pinBetween(side, low, high);
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

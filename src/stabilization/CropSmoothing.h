@@ -1,6 +1,6 @@
 #pragma once
 
-namespace stabilization {
+namespace orbitwalk {
 
 /// What a path does across the capture direction, and the room that the frame leaves for it.
 struct CropSmoothingSide {
@@ -19,4 +19,4 @@ struct CropSmoothingPin {
 /// Path value that keeps the crop inside the margins with the least correction.
 CropSmoothingPin pinToMargins(const CropSmoothingSide& side);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

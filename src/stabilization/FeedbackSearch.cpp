@@ -3,7 +3,7 @@
 #include "stabilization/AspectFit.h"
 #include "stabilization/CameraPath.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 namespace {
 
@@ -57,4 +57,4 @@ SmoothingResult smoothWithFeedback(const SmoothingInput& input, int steps, bool 
     return result;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

@@ -5,11 +5,11 @@
 #include <span>
 #include <vector>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 #include "stabilization/CropBounds.h"
 #include "stabilization/KalmanSmoothing.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 inline constexpr int kGaussianRadius = 10;
 inline constexpr int kFeedbackSteps = 10;
@@ -61,4 +61,4 @@ SmoothingResult searchFeedback(const SmoothingInput& input, int steps, bool feed
 /// its log.
 SmoothingResult smoothWithFeedback(const SmoothingInput& input, int steps, bool feedback);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

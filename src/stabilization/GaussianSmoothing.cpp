@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace stabilization {
+namespace orbitwalk {
 
 namespace {
 
@@ -54,4 +54,4 @@ std::vector<Trajectory> gaussianSmooth(std::span<const Trajectory> path, int rad
     return smooth;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

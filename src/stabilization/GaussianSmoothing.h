@@ -3,9 +3,9 @@
 #include <span>
 #include <vector>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 /// Gaussian average of each path point over its neighbours, sigma half the radius. Beyond its ends
 /// the path goes on as its point reflection about the last (first) point, which continues its
@@ -16,4 +16,4 @@ namespace stabilization {
 ///         component: its kernel has no width.
 std::vector<Trajectory> gaussianSmooth(std::span<const Trajectory> path, int radius);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

@@ -1,6 +1,6 @@
 #include "stabilization/KalmanSmoothing.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 double ScalarKalmanFilter::update(double measured, const FilterNoise& noise) {
     const double predicted = mCovariance + noise.process;
@@ -27,4 +27,4 @@ std::vector<Trajectory> kalmanSmoothFixed(std::span<const Trajectory> path) {
     return estimates;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

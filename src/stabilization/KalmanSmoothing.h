@@ -3,10 +3,10 @@
 #include <span>
 #include <vector>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
 /// Scalar Kalman filters for a position that is modelled as constant (Kalman, 1960).
-namespace stabilization {
+namespace orbitwalk {
 
 struct FilterNoise {
     double process = 0;
@@ -40,4 +40,4 @@ FilterNoise feedbackNoise(int k, int steps);
 /// The fixed-parameter variant: raw estimates of x, y and a, each started at zero.
 std::vector<Trajectory> kalmanSmoothFixed(std::span<const Trajectory> path);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

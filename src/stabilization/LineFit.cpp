@@ -2,7 +2,7 @@
 
 #include "common/FixedPoint.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 LineFit fitLine(std::span<const Trajectory> points, double Trajectory::*axis) {
     LineFit fit;
@@ -23,4 +23,4 @@ LineFit fitLine(std::span<const Trajectory> points, double Trajectory::*axis) {
     return fit;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

@@ -2,9 +2,9 @@
 
 #include <span>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 /// Straight line over the abscissas 0, 1, 2, ... with the sums it was fitted from.
 struct LineFit {
@@ -25,4 +25,4 @@ struct LineFit {
 /// @param points  at least two; fewer have no slope and give values that are not numbers.
 LineFit fitLine(std::span<const Trajectory> points, double Trajectory::*axis);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

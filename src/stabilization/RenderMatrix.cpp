@@ -5,7 +5,7 @@
 
 #include "common/FixedPoint.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 namespace {
 
@@ -46,4 +46,4 @@ FixedMatrix renderMatrix(const cv::Mat& rigid) {
     return isInvertible(fixed) ? fixed : kIdentityMatrix;
 }
 
-}  // namespace stabilization
+}  // namespace orbitwalk

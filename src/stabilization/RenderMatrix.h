@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <opencv2/core/mat.hpp>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
-namespace stabilization {
+namespace orbitwalk {
 
 /// Nine elements, row by row, each the value times 1000000, truncated.
 using FixedMatrix = std::array<std::int32_t, 9>;
@@ -26,4 +26,4 @@ cv::Mat rigidMatrix(const Trajectory& transform);
 /// @throws cv::Exception, std::bad_alloc when OpenCV cannot allocate.
 FixedMatrix renderMatrix(const cv::Mat& rigid);
 
-}  // namespace stabilization
+}  // namespace orbitwalk

@@ -7,7 +7,7 @@
 #include "stabilization/StabilizationLog.h"
 #include "stabilization/cKalmanFilterStabilization.h"
 
-using namespace stabilization;
+using namespace orbitwalk;
 
 #define logSix(text, v) \
     logInfo(text "[%f %f %f %f %f %f]", (v)[0], (v)[1], (v)[2], (v)[3], (v)[4], (v)[5])

@@ -8,7 +8,7 @@
 #include "stabilization/StabilizationLog.h"
 #include "stabilization/cKalmanFilterStabilization.h"
 
-using namespace stabilization;
+using namespace orbitwalk;
 
 int cKalmanFilterStabilization::__CalculatePrevToCurrSmoothCumulativeTransform(bool feedback) {
     if (__smoothingBlocked != 0)

@@ -3,6 +3,8 @@
 #include "stabilization/CameraPath.h"
 #include "stabilization/StabilizationLog.h"
 
+using namespace orbitwalk;
+
 iVideoStabilization* iVideoStabilization::Create() {
     return new cKalmanFilterStabilization;
 }
@@ -75,7 +77,7 @@ int cKalmanFilterStabilization::doStabilization(int orientation, int captureDire
     __smoothTrajectory.clear();
     __prevToCurrNewTransform.clear();
     __gaussianTrajectory.clear();
-    __trajectory = stabilization::rebuildPath(__prevToCurrTransform);
+    __trajectory = rebuildPath(__prevToCurrTransform);
     if (__CalculatePrevToCurrSmoothCumulativeTransform(feedback) != 0)
         return 1;
     return __CalculateprevToCurrNewTransform() != 0 ? 1 : 0;

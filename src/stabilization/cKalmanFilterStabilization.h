@@ -4,7 +4,7 @@
 #include <opencv2/core/types.hpp>
 #include <vector>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 #include "orbitwalk/MetaData.h"
 #include "stabilization/FeedbackSearch.h"
 #include "stabilization/iVideoStabilization.h"
@@ -36,7 +36,7 @@ class cKalmanFilterStabilization final : public iVideoStabilization {
                        int& minY, int& maxY);
     int __ResetCornerParameter(std::vector<cv::Point2f>& corners, int& minX, int& maxX, int& minY,
                                int& maxY) const;
-    stabilization::SmoothingInput __FilterInput() const;
+    orbitwalk::SmoothingInput __FilterInput() const;
     /// Fits the bounds to the frame's aspect ratio.
     void __RecalculateBoundary(int& minX, int& maxX, int& minY, int& maxY) const;
     /// Appends to __prevToCurrNewTransform and sets __crossOverPoint.
@@ -61,7 +61,7 @@ class cKalmanFilterStabilization final : public iVideoStabilization {
     void __WriteIdentityMatrices(__kelOBWKDXMetaData& metaData) const;
     void __WriteRenderMatrices(__kelOBWKDXMetaData& metaData, bool identityForInvalid) const;
     /// Corrected transform of the v-th rendered frame; the last one beyond their end.
-    Trajectory __RenderedTransform(int v) const;
+    orbitwalk::Trajectory __RenderedTransform(int v) const;
     void __WriteBorderFrames(__kelOBWKDXMetaData& metaData) const;
     void __LogMargins(const __kelOBWKDXMetaData& metaData) const;
     void __WriteCrop(__kelOBWKDXMetaData& metaData) const;
@@ -76,20 +76,21 @@ class cKalmanFilterStabilization final : public iVideoStabilization {
     int __maxY = 0;
     int __crossOverPoint = 0;    ///< See CorrectedTransforms.
     int __smoothingBlocked = 0;  ///< Non-zero: smoothing refuses to run. Nothing sets it today.
-    std::vector<Trajectory> __prevToCurrTransform;     ///< As received.
-    std::vector<Trajectory> __trajectory;              ///< Their running sum.
-    std::vector<Trajectory> __smoothTrajectory;        ///< The smoothed path.
-    std::vector<Trajectory> __prevToCurrNewTransform;  ///< Corrected transforms.
-    std::vector<Trajectory> __gaussianTrajectory;
-    double __cropRatio = stabilization::kCropRatio;
-    int __fixedX = stabilization::kNotPinned;
-    int __fixedY = stabilization::kNotPinned;
+    std::vector<orbitwalk::Trajectory> __prevToCurrTransform;     ///< As received.
+    std::vector<orbitwalk::Trajectory> __trajectory;              ///< Their running sum.
+    std::vector<orbitwalk::Trajectory> __smoothTrajectory;        ///< The smoothed path.
+    std::vector<orbitwalk::Trajectory> __prevToCurrNewTransform;  ///< Corrected transforms.
+    std::vector<orbitwalk::Trajectory> __gaussianTrajectory;
+    double __cropRatio = orbitwalk::kCropRatio;
+    int __fixedX = orbitwalk::kNotPinned;
+    int __fixedY = orbitwalk::kNotPinned;
     // Kept from the intake on, across a second Initialize; no stage reads them.
-    std::vector<Trajectory> __actualTransform;  ///< Change of the running sum at each frame.
-    std::vector<bool> __validFrame;             ///< Initialize's frame and every received one.
-    Trajectory __cumulative;
-    Trajectory __prevCumulative;
+    std::vector<orbitwalk::Trajectory>
+        __actualTransform;           ///< Change of the running sum at each frame.
+    std::vector<bool> __validFrame;  ///< Initialize's frame and every received one.
+    orbitwalk::Trajectory __cumulative;
+    orbitwalk::Trajectory __prevCumulative;
     int __frameCount = 0;  ///< Received positions + 1.
-    Trajectory __lastInput;
+    orbitwalk::Trajectory __lastInput;
     bool __firstInput = false;
 };

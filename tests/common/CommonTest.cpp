@@ -7,6 +7,8 @@
 #include "common/Stopwatch.h"
 #include "support/FakePlatform.h"
 
+using namespace orbitwalk;
+
 namespace {
 
 TEST(FixedPoint, TruncatesTowardZeroAndHasNoUndefinedCorner) {

@@ -6,6 +6,8 @@
 #include "findTransform/ifindTransform.h"
 #include "support/FakePlatform.h"
 
+using namespace orbitwalk;
+
 namespace {
 
 TEST(FinderLog, TellsTheLifeOfAFinder) {

@@ -9,6 +9,8 @@
 #include "findTransform/ifindTransform.h"
 #include "support/FakePlatform.h"
 
+using namespace orbitwalk;
+
 namespace {
 
 struct Discarder {

@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
 /// A picture without end, a sum of plane waves, which can be sampled exactly under any motion.
 class Scene {
@@ -25,7 +25,7 @@ class Scene {
 
     /// Luma plane after the picture has turned by pose.a about its origin and then moved by (x, y).
     /// @param step  only every step-th pixel of every step-th row is drawn, the others are black.
-    std::vector<unsigned char> frame(int width, int height, const Trajectory& pose,
+    std::vector<unsigned char> frame(int width, int height, const orbitwalk::Trajectory& pose,
                                      int step = 1) const {
         std::vector<unsigned char> luma(static_cast<std::size_t>(width) * height);
         const auto c = static_cast<float>(std::cos(pose.a));

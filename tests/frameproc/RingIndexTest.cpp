@@ -7,6 +7,8 @@
 
 #include "frameproc/FrameSize.h"
 
+using namespace orbitwalk;
+
 namespace {
 
 constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();

@@ -3,7 +3,7 @@
 
 #include "stabilization/BorderFrames.h"
 
-using namespace stabilization;
+using namespace orbitwalk;
 using testing::Each;
 using testing::ElementsAre;
 

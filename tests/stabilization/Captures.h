@@ -12,17 +12,17 @@
 namespace sweeps {
 
 /// Has the cumulative positions of the transforms.
-inline cKalmanFilterStabilization fed(const std::vector<Trajectory>& transforms, int width,
-                                      int height) {
+inline cKalmanFilterStabilization fed(const std::vector<orbitwalk::Trajectory>& transforms,
+                                      int width, int height) {
     cKalmanFilterStabilization stabilizer;
     stabilizer.Initialize(width, height);
-    for (const Trajectory& position : stabilization::rebuildPath(transforms))
+    for (const orbitwalk::Trajectory& position : orbitwalk::rebuildPath(transforms))
         stabilizer.sendTransformationMatrix(position.x, position.y, position.a);
     return stabilizer;
 }
 
-inline cKalmanFilterStabilization smoothed(const std::vector<Trajectory>& transforms, int width,
-                                           int height, bool feedback = true) {
+inline cKalmanFilterStabilization smoothed(const std::vector<orbitwalk::Trajectory>& transforms,
+                                           int width, int height, bool feedback = true) {
     cKalmanFilterStabilization stabilizer = fed(transforms, width, height);
     stabilizer.doStabilization(0, 1, 0, 0, 0, 0, feedback);
     return stabilizer;

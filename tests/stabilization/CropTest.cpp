@@ -8,7 +8,7 @@
 #include "stabilization/CropBounds.h"
 #include "stabilization/CropSmoothing.h"
 
-using namespace stabilization;
+using namespace orbitwalk;
 
 namespace {
 

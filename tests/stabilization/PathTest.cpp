@@ -5,7 +5,7 @@
 #include "stabilization/CameraPath.h"
 #include "stabilization/GaussianSmoothing.h"
 
-using namespace stabilization;
+using namespace orbitwalk;
 
 namespace {
 

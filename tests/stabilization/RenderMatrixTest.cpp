@@ -5,7 +5,7 @@
 
 #include "stabilization/RenderMatrix.h"
 
-using namespace stabilization;
+using namespace orbitwalk;
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "stabilization/FeedbackSearch.h"
 #include "stabilization/GaussianSmoothing.h"
 
-using namespace stabilization;
+using namespace orbitwalk;
 
 namespace {
 

@@ -1,25 +1,16 @@
 #include "sweep/SmoothedPath.h"
 
+#include <utility>
+
 #include "stabilization/CameraPath.h"
 #include "stabilization/FeedbackSearch.h"
 #include "stabilization/GaussianSmoothing.h"
 
 namespace orbitwalk::tool {
 
-static_assert(kLastFeedbackStep == stabilization::kFeedbackSteps);
+static_assert(kLastFeedbackStep == kFeedbackSteps);
 
 namespace {
-
-/// The stabiliser's own, of the same three members.
-using EnginePoint = decltype(stabilization::SmoothingResult::smoothPath)::value_type;
-
-template <typename To, typename From>
-std::vector<To> converted(const std::vector<From>& path) {
-    std::vector<To> points;
-    for (const From& point : path)
-        points.push_back({point.x, point.y, point.a});
-    return points;
-}
 
 /// The positions that stop sends, from frame to frame.
 std::vector<Trajectory> sentTransforms(std::span<const SweepRow> path, int first, int last,
@@ -47,19 +38,16 @@ std::vector<Trajectory> sentTransforms(std::span<const SweepRow> path, int first
 
 SmoothedPath smoothedPath(std::span<const SweepRow> path, int first, int last, int width,
                           int height) {
-    using namespace stabilization;
     SmoothedPath result;
-    const auto transforms = converted<EnginePoint>(sentTransforms(path, first, last, result));
-    const auto measured = rebuildPath(transforms);
-    const auto gaussian = gaussianSmooth(measured, kGaussianRadius);
-    const SmoothingResult smoothing = smoothWithFeedback({.transforms = transforms,
-                                                          .path = measured,
-                                                          .gaussianPath = gaussian,
-                                                          .size = {width, height}},
-                                                         kFeedbackSteps, true);
-    result.measured = converted<Trajectory>(measured);
-    result.gaussian = converted<Trajectory>(gaussian);
-    result.smoothed = converted<Trajectory>(smoothing.smoothPath);
+    const auto transforms = sentTransforms(path, first, last, result);
+    result.measured = rebuildPath(transforms);
+    result.gaussian = gaussianSmooth(result.measured, kGaussianRadius);
+    SmoothingResult smoothing = smoothWithFeedback({.transforms = transforms,
+                                                    .path = result.measured,
+                                                    .gaussianPath = result.gaussian,
+                                                    .size = {width, height}},
+                                                   kFeedbackSteps, true);
+    result.smoothed = std::move(smoothing.smoothPath);
     result.feedbackStep = smoothing.step;
     const CropBounds& bounds = smoothing.bounds;
     result.crop = {bounds.minX, bounds.minY, bounds.maxX - bounds.minX, bounds.maxY - bounds.minY};

@@ -2,7 +2,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "common/Trajectory.h"
+#include "orbitwalk/Geometry.h"
 
 namespace orbitwalk {
 

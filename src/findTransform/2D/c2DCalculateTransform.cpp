@@ -56,7 +56,7 @@ int c2DCalculateTransform::Initialize(int frameWidth, int frameHeight) {
 }
 
 void c2DCalculateTransform::readBuildType() {
-    const BuildType buildType;
+    const orbitwalk::BuildType buildType;
     logInfo("c2DCalculateTransform::Initialize -- buildType = %s", buildType.text());
     engBuild = buildType.isEngineering();
     if (engBuild)
@@ -89,9 +89,9 @@ int c2DCalculateTransform::getTrajectory(unsigned char* frame, float* x, float* 
 }
 
 void c2DCalculateTransform::getCumulativeTransform(double* x, double* y, double* a) {
-    Trajectory sum;
+    orbitwalk::Trajectory sum;
     if (cumulativeCount != 0) {
-        const Trajectory& motion = prevToCurTransforms.at(cumulativeCount - 1);
+        const orbitwalk::Trajectory& motion = prevToCurTransforms.at(cumulativeCount - 1);
         sum = cumulative + motion;
         logInfo("c2DCalculateTransform::getTransform : Frame[%d] : Transform [ %f, %f, %f ] ",
                 cumulativeCount, motion.x, motion.y, motion.a);

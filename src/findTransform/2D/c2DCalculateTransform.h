@@ -5,8 +5,8 @@
 #include <opencv2/core.hpp>
 #include <vector>
 
-#include "common/Trajectory.h"
 #include "findTransform/ifindTransform.h"
+#include "orbitwalk/Geometry.h"
 
 /// Finder of 2D rigid motion: corners of the previous quarter-size picture, tracked forwards and
 /// backwards by pyramidal Lucas-Kanade, filtered, and fitted by RANSAC.
@@ -57,20 +57,20 @@ class c2DCalculateTransform : public ifindTransform {
     bool hasBuffers() const { return !frameBuf[0].empty(); }
     void readBuildType();
     void reducePicture(unsigned char* frame, int PrevIndx, int CurIndx);
-    Trajectory measureMotion(int PrevIndx, int CurIndx);
+    orbitwalk::Trajectory measureMotion(int PrevIndx, int CurIndx);
     std::vector<cv::Point2f> selectCorners(const cv::Mat& view) const;
     bool trackForward(cv::Mat& prevView, cv::Mat& curView, std::vector<cv::Point2f>& prevPts,
                       std::vector<cv::Point2f>& curPts);
     bool trackBackward(cv::Mat& prevView, cv::Mat& curView, std::vector<cv::Point2f>& prevPts,
                        std::vector<cv::Point2f>& curPts);
-    Trajectory estimateMotion(const std::vector<cv::Point2f>& prevPts,
-                              const std::vector<cv::Point2f>& curPts);
-    Trajectory repeatLastMotion();
-    void appendTransform(const Trajectory& motion);
+    orbitwalk::Trajectory estimateMotion(const std::vector<cv::Point2f>& prevPts,
+                                         const std::vector<cv::Point2f>& curPts);
+    orbitwalk::Trajectory repeatLastMotion();
+    void appendTransform(const orbitwalk::Trajectory& motion);
 
-    std::vector<Trajectory> prevToCurTransforms;
-    std::vector<Trajectory> trajectory;
-    Trajectory cumulative;
+    std::vector<orbitwalk::Trajectory> prevToCurTransforms;
+    std::vector<orbitwalk::Trajectory> trajectory;
+    orbitwalk::Trajectory cumulative;
     int cumulativeCount = 0;
     std::vector<std::uint16_t> rowIndexTable;
     std::vector<std::uint16_t> colIndexTable;

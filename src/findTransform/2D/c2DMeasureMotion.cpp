@@ -53,11 +53,11 @@ void c2DCalculateTransform::reducePicture(unsigned char* frame, int PrevIndx, in
             static_cast<void*>(frame), rszFactor, prevBuf,
             static_cast<void*>(frameBuf[CurIndx].data()));
     }
-    const ScopedTiming timing("CalculatePrevToCurTransform:ResizeOPT");
+    const orbitwalk::ScopedTiming timing("CalculatePrevToCurTransform:ResizeOPT");
     resizeImage_Y(frame, frameBuf[CurIndx].data(), width, height, rszWidth, rszHeight);
 }
 
-Trajectory c2DCalculateTransform::measureMotion(int PrevIndx, int CurIndx) {
+orbitwalk::Trajectory c2DCalculateTransform::measureMotion(int PrevIndx, int CurIndx) {
     const auto view = [this](int index) {
         return orbitwalk::centralView({rszHeight, rszWidth, CV_8UC1, frameBuf[index].data()});
     };
@@ -72,7 +72,7 @@ Trajectory c2DCalculateTransform::measureMotion(int PrevIndx, int CurIndx) {
                 count(prevPts));
         return repeatLastMotion();
     }
-    const ScopedTiming timing(
+    const orbitwalk::ScopedTiming timing(
         "CalculatePrevToCurTransform:profile feature_tracking_and_transform_estimation");
     std::vector<cv::Point2f> curPts;
     if (!trackForward(prevView, curView, prevPts, curPts) ||
@@ -84,7 +84,8 @@ Trajectory c2DCalculateTransform::measureMotion(int PrevIndx, int CurIndx) {
 std::vector<cv::Point2f> c2DCalculateTransform::selectCorners(const cv::Mat& view) const {
     std::vector<cv::Point2f> corners;
     {
-        const ScopedTiming timing("CalculatePrevToCurTransform:profile feature_extract_capture");
+        const orbitwalk::ScopedTiming timing(
+            "CalculatePrevToCurTransform:profile feature_extract_capture");
         cv::goodFeaturesToTrack(view, corners, 2000, 0.05, 10.0, cv::noArray(), 3, false, 0.04);
     }
     logInfo("CalculatePrevToCurTransform:key points : GFTT_OPENCV Point2f size : %d",
@@ -102,7 +103,8 @@ bool c2DCalculateTransform::trackForward(cv::Mat& prevView, cv::Mat& curView,
         logInfo("%s forward tracking frame number %d enter prev points currpoints %d %d",
                 kOperation, frameIndex, count(prevPts), count(curPts));
     {
-        const ScopedTiming timing("CalculatePrevToCurTransform:profile feature_track_forward");
+        const orbitwalk::ScopedTiming timing(
+            "CalculatePrevToCurTransform:profile feature_track_forward");
         TrackPointsWithOpticalFlow(prevView, curView, prevPts, curPts);
     }
     if (engBuild)
@@ -124,7 +126,8 @@ bool c2DCalculateTransform::trackBackward(cv::Mat& prevView, cv::Mat& curView,
         logInfo("%s backward tracking frame number %d enter prev points currpoints %d %d",
                 kOperation, frameIndex, count(prevPts), count(curPts));
     {
-        const ScopedTiming timing("CalculatePrevToCurTransform:profile feature_track_backward");
+        const orbitwalk::ScopedTiming timing(
+            "CalculatePrevToCurTransform:profile feature_track_backward");
         TrackPointsWithOpticalFlowBackward(curView, prevView, curPts, backPts, prevPts);
     }
     if (engBuild)
@@ -146,8 +149,8 @@ bool c2DCalculateTransform::trackBackward(cv::Mat& prevView, cv::Mat& curView,
     return true;
 }
 
-Trajectory c2DCalculateTransform::estimateMotion(const std::vector<cv::Point2f>& prevPts,
-                                                 const std::vector<cv::Point2f>& curPts) {
+orbitwalk::Trajectory c2DCalculateTransform::estimateMotion(
+    const std::vector<cv::Point2f>& prevPts, const std::vector<cv::Point2f>& curPts) {
     cv::Mat transform = orbitwalk::rigidTransform(prevPts, curPts, false);
     keyPointsPrev[frameIndex] = prevPts;
     keyPointsCur[frameIndex] = curPts;
@@ -158,13 +161,13 @@ Trajectory c2DCalculateTransform::estimateMotion(const std::vector<cv::Point2f>&
     return orbitwalk::motionOf(lastTransform);
 }
 
-Trajectory c2DCalculateTransform::repeatLastMotion() {
+orbitwalk::Trajectory c2DCalculateTransform::repeatLastMotion() {
     keyPointsPrev[frameIndex].clear();
     keyPointsCur[frameIndex].clear();
     return orbitwalk::motionOf(lastTransform);
 }
 
-void c2DCalculateTransform::appendTransform(const Trajectory& motion) {
+void c2DCalculateTransform::appendTransform(const orbitwalk::Trajectory& motion) {
     prevToCurTransforms.push_back(motion);
     logInfo("CalculatePrevToCurTransform : Frame[%d] : Transform[ %f, %f, %f ] ", frameIndex,
             motion.x, motion.y, motion.a);

@@ -27,22 +27,58 @@ std::string_view localTmpDirText() {
     return {localTmpDir, strnlen(localTmpDir, sizeof localTmpDir)};
 }
 
-/// The path without the slashes at its end, which would make the system calls follow a link there.
-/// @return false for a path that must not be removed: null, empty, the root, too long, a link.
-bool removablePath(const char* path, PathBuffer& stripped) {
-    if (path == nullptr)
-        return false;
-    const std::string_view text(path);
-    const auto last = text.find_last_not_of('/');
-    if (last == std::string_view::npos || last + 1 >= stripped.size())
-        return false;
-    *std::copy_n(text.begin(), last + 1, stripped.begin()) = '\0';
-    struct stat status;
-    return lstat(stripped.data(), &status) != 0 || !S_ISLNK(status.st_mode);
-}
+/// A name in an open directory. Whoever can write above may put another directory or a link where
+/// a path led a moment ago; what is reached from a descriptor by one name stays where it is.
+struct Entry {
+    int parent;
+    const char* name;
 
-DIR* openDirectory(const char* path) {
-    const int descriptor = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    /// Mode of what has the name now, links not followed; 0 for nothing.
+    mode_t mode() const {
+        struct stat status;
+        return fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 ? status.st_mode : 0;
+    }
+};
+
+/// The directory that a path leads to and its last name, without the slashes at the end, which
+/// would make the system calls follow a link there.
+class RootEntry {
+  public:
+    explicit RootEntry(const char* path) {
+        const std::string_view text(path == nullptr ? "" : path);
+        const auto last = text.find_last_not_of('/');
+        if (last == std::string_view::npos || last + 1 >= mPath.size())
+            return;
+        *std::copy_n(text.begin(), last + 1, mPath.begin()) = '\0';
+        const auto slash = std::string_view(mPath.data()).rfind('/');
+        mName = slash == std::string_view::npos ? 0 : slash + 1;
+        const char above = mPath[mName];
+        mPath[mName] = '\0';
+        mParent = open(mName == 0 ? "." : mPath.data(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+        mPath[mName] = above;
+        mUsable = true;
+    }
+    ~RootEntry() {
+        if (mParent >= 0)
+            close(mParent);
+    }
+    RootEntry(const RootEntry&) = delete;
+    RootEntry& operator=(const RootEntry&) = delete;
+
+    /// Not for a path that must not be removed: null, empty, the root, too long.
+    bool isUsable() const { return mUsable; }
+    Entry entry() const { return {mParent, mPath.data() + mName}; }
+
+  private:
+    PathBuffer mPath{};
+    std::size_t mName = 0;
+    int mParent = -1;
+    bool mUsable = false;
+};
+
+DIR* openDirectory(Entry entry) {
+    const int descriptor =
+        openat(entry.parent, entry.name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0)
         return nullptr;
     DIR* const directory = fdopendir(descriptor);
@@ -67,16 +103,18 @@ int reportSuccess(const char* path, bool showPaths) {
     return OBW_RESULT_OK;
 }
 
-void removeEntry(const char* path, bool showPaths) {
-    if (isPathDirectory(path)) {
-        removeTempDir(path, showPaths);
+int removeDirectory(Entry entry, const char* path, bool showPaths);
+
+void removeEntry(Entry entry, const char* path, bool showPaths) {
+    if (S_ISDIR(entry.mode())) {
+        removeDirectory(entry, path, showPaths);
         return;
     }
     if (showPaths)
         logInfo("kelOBWEngine::removeTempDir, unlink %s, ", path);
     else
         logInfo("kelOBWEngine::removeTempDir, LINE:  : %d, ", 254);
-    unlink(path);
+    unlinkat(entry.parent, entry.name, 0);
 }
 
 void removeEntries(DIR* directory, const char* path, bool showPaths) {
@@ -88,8 +126,28 @@ void removeEntries(DIR* directory, const char* path, bool showPaths) {
         const int length = std::snprintf(child.data(), child.size(), "%s/%s", path, entry->d_name);
         // An entry whose path does not fit is left, and the directory with it.
         if (length > 0 && static_cast<std::size_t>(length) < child.size())
-            removeEntry(child.data(), showPaths);
+            removeEntry({dirfd(directory), entry->d_name}, child.data(), showPaths);
     }
+}
+
+/// @param path  of the entry, for the log alone.
+int removeDirectory(Entry entry, const char* path, bool showPaths) {
+    if (S_ISLNK(entry.mode()))
+        return reportFailure(path, showPaths);
+    DIR* const directory = openDirectory(entry);
+    if (showPaths)
+        logInfo("kelOBWEngine:: removeTempDir %s : dirPtr = %p", path,
+                static_cast<void*>(directory));
+    else
+        logInfo("kelOBWEngine:: removeTempDir [Line: %d] : dirPtr = %p", 233,
+                static_cast<void*>(directory));
+    if (directory == nullptr)
+        return reportSuccess(path, showPaths);
+    removeEntries(directory, path, showPaths);
+    closedir(directory);
+    const int result = unlinkat(entry.parent, entry.name, AT_REMOVEDIR);
+    logInfo("kelOBWEngine::removeTempDir........... : ret=%d", result);
+    return result == 0 ? reportSuccess(path, showPaths) : reportFailure(path, showPaths);
 }
 
 }  // namespace
@@ -103,27 +161,9 @@ bool differsFromLocalTmpDir(const char* path) {
     return localTmpDirText() != path;
 }
 
-bool isPathDirectory(const char* path) {
-    struct stat status;
-    return lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 int removeTempDir(const char* path, bool showPaths) {
-    PathBuffer stripped;
-    if (!removablePath(path, stripped))
+    const RootEntry root(path);
+    if (!root.isUsable())
         return reportFailure(path == nullptr ? "" : path, showPaths);
-    DIR* const directory = openDirectory(stripped.data());
-    if (showPaths)
-        logInfo("kelOBWEngine:: removeTempDir %s : dirPtr = %p", path,
-                static_cast<void*>(directory));
-    else
-        logInfo("kelOBWEngine:: removeTempDir [Line: %d] : dirPtr = %p", 233,
-                static_cast<void*>(directory));
-    if (directory == nullptr)
-        return reportSuccess(path, showPaths);
-    removeEntries(directory, path, showPaths);
-    closedir(directory);
-    const int result = rmdir(stripped.data());
-    logInfo("kelOBWEngine::removeTempDir........... : ret=%d", result);
-    return result == 0 ? reportSuccess(path, showPaths) : reportFailure(path, showPaths);
+    return removeDirectory(root.entry(), path, showPaths);
 }

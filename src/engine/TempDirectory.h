@@ -13,10 +13,9 @@ void copyLocalTmpDir(std::span<char> destination);
 /// Whether a path differs from localTmpDir.
 bool differsFromLocalTmpDir(const char* path);
 
-/// Whether the path names a directory; a symbolic link to one is none.
-bool isPathDirectory(const char* path);
-
-/// Removes a directory with all that it holds. Symbolic links in it are removed, never followed. A
+/// Removes a directory with all that it holds, walking on descriptors: symbolic links in it are
+/// removed, never followed, and what is put in place of it or of a directory in it meanwhile is not
+/// entered. Links above it are followed, as in any path. A
 /// directory that cannot be opened, a missing one for example, counts as removed; entries that
 /// cannot be removed are left, and so is the directory then.
 /// @param showPaths  engineering build

@@ -58,6 +58,37 @@ TEST_F(TempDirectoryTest, ThatIsALinkItselfIsLeftAlone) {
     EXPECT_TRUE(fs::exists(dir() / "kept"));
 }
 
+// Somebody who may write above the directory puts a link to another one in its place, or in that of
+// a directory in it, while it is being emptied.
+TEST_F(TempDirectoryTest, SwappedForALinkMeanwhileLeavesTheOtherDirectoryAlone) {
+    for (const std::string& swapped : {std::string("work"), std::string("work/inner")}) {
+        SCOPED_TRACE(swapped);
+        fs::create_directories(dir() / "inner");
+        fs::create_directories(root / "other" / "inner");
+        for (int i = 0; i < 20; ++i)
+            for (const char* parent : {"work", "work/inner", "other", "other/inner"})
+                write(root / parent / std::to_string(i));
+        const std::string first = "kelOBWEngine::removeTempDir, unlink " + dir().string() + "/";
+        const bool inner = swapped != "work";
+        fake_platform::whenLogged([&](const fake_platform::LogLine& line) {
+            if (!line.text.starts_with(first) ||
+                inner != (line.text.find("/inner/") != std::string::npos) ||
+                fs::exists(root / "moved"))
+                return;
+            fs::rename(root / swapped, root / "moved");
+            fs::create_directory_symlink(root / "other", root / swapped);
+        });
+        EXPECT_EQ(removeTempDir(name().c_str(), true), 2);
+        fake_platform::whenLogged({});
+        ASSERT_TRUE(fs::exists(root / "moved")) << "nothing was swapped";
+        for (int i = 0; i < 20; ++i)
+            for (const char* parent : {"other", "other/inner"})
+                EXPECT_TRUE(fs::exists(root / parent / std::to_string(i))) << parent << i;
+        for (const char* left : {"work", "moved", "other"})
+            fs::remove_all(root / left);
+    }
+}
+
 TEST_F(TempDirectoryTest, RefusesPathsThatNameNoDirectoryOfItsOwn) {
     for (const char* path : {"", "/", "///"})
         EXPECT_EQ(removeTempDir(path, false), 2) << path;

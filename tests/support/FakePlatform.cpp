@@ -14,6 +14,7 @@ namespace {
 std::mutex lock;
 std::vector<fake_platform::LogLine> lines;
 std::string buildType = "user";
+std::function<void(const fake_platform::LogLine&)> listener;
 
 }  // namespace
 
@@ -23,8 +24,13 @@ int __android_log_print(int priority, const char* tag, const char* format, ...) 
     va_start(values, format);
     const int length = std::vsnprintf(text, sizeof text, format, values);
     va_end(values);
-    const std::lock_guard guard(lock);
-    lines.push_back({priority, tag, text});
+    const fake_platform::LogLine line{priority, tag, text};
+    {
+        const std::lock_guard guard(lock);
+        lines.push_back(line);
+    }
+    if (listener)
+        listener(line);
     return length;
 }
 
@@ -65,6 +71,10 @@ int countLogPrefix(std::string_view prefix) {
     return static_cast<int>(std::count_if(all.begin(), all.end(), [&](const LogLine& line) {
         return line.text.starts_with(prefix);
     }));
+}
+
+void whenLogged(std::function<void(const LogLine&)> called) {
+    listener = std::move(called);
 }
 
 void clearLog() {

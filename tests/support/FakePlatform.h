@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,5 +29,8 @@ int countLog(std::string_view text);
 /// How many lines begin with this text.
 int countLogPrefix(std::string_view prefix);
 void clearLog();
+/// Calls a function with each line, on the thread that logs it, after the line is kept; an empty
+/// one ends that. Set while nothing logs.
+void whenLogged(std::function<void(const LogLine&)> listener);
 
 }  // namespace fake_platform

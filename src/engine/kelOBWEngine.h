@@ -113,9 +113,6 @@ class kelOBWEngine {
     struct DestroyStabilizer {
         void operator()(iVideoStabilization* p) const { iVideoStabilization::Destroy(p); }
     };
-    struct DiscardFinder {
-        void operator()(ifindTransform* p) const { ifindTransform::Discard(p); }
-    };
 
     static std::atomic<kelOBWEngine*> pOBWEngine;
 
@@ -159,5 +156,5 @@ class kelOBWEngine {
     std::unique_ptr<_ENCODING_FRAME_INFORMATION[]> pFrameInfo;
 
     // Guarded by finderLock.
-    std::unique_ptr<ifindTransform, DiscardFinder> p_mFindTransform;
+    std::unique_ptr<ifindTransform> p_mFindTransform;
 };

@@ -7,10 +7,8 @@ class ifindTransform {
   public:
     /// @return a new finder, released by Release and Destroy.
     static ifindTransform* Create();
-    /// Deletes the finder; null is allowed. @return always 1.
+    /// Logs the end of the finder and deletes it; null is allowed. @return always 1.
     static int Destroy(ifindTransform* finder);
-    /// Frees a finder that a later start has replaced, without a trace in the log; null is allowed.
-    static void Discard(ifindTransform* finder);
 
     virtual ~ifindTransform() = default;
 

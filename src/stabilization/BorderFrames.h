@@ -6,13 +6,31 @@
 
 #include "orbitwalk/Geometry.h"
 #include "stabilization/CropBounds.h"
-#include "stabilization/LineFit.h"
 
 /// Frames added before and after a sweep, so that the view angle reaches the frame's edge: copies
 /// of the first and last frame whose offsets continue the smoothed path. Across the sweep the
 /// offset is limited to the crop margins; along the sweep it is stretched to end exactly at a
 /// margin. All in single precision.
 namespace orbitwalk {
+
+/// Straight line over the abscissas 0, 1, 2, ... with the sums it was fitted from.
+struct LineFit {
+    float sumK = 0;
+    float sumK2 = 0;
+    float sumX = 0;
+    float sumKX = 0;
+    float slopeNumerator = 0;
+    float slopeDenominator = 0;
+    float slope = 0;
+    float intercept = 0;
+
+    float at(int k) const { return intercept + slope * static_cast<float>(k); }
+};
+
+/// Least-squares line through one axis of path points, oldest first, all in single precision. The
+/// oldest point is truncated to whole pixels first.
+/// @param points  at least two; fewer have no slope and give values that are not numbers.
+LineFit fitLine(std::span<const Trajectory> points, double Trajectory::*axis);
 
 inline constexpr int kBorderFrames = 6;
 /// Smoothed points that the continuation is fitted to.

@@ -2,12 +2,18 @@
 #include <algorithm>
 
 #include "common/FixedPoint.h"
+#include "common/Log.h"
 #include "stabilization/BorderFrames.h"
 #include "stabilization/RenderMatrix.h"
-#include "stabilization/StabilizationLog.h"
 #include "stabilization/cKalmanFilterStabilization.h"
 
 using namespace orbitwalk;
+
+namespace {
+
+constexpr char kLogTag[] = "ORBITWALK_ENGINE KALMAN_STABILIZATION";
+
+}  // namespace
 
 #define logSix(text, v) \
     logInfo(text "[%f %f %f %f %f %f]", (v)[0], (v)[1], (v)[2], (v)[3], (v)[4], (v)[5])

@@ -21,6 +21,15 @@ class cKalmanFilterStabilization final : public iVideoStabilization {
                         int cropBottom, int cropRight, bool feedback) override;
     int getStabilizationInfo(__kelOBWKDXMetaData* metaData, bool identityForInvalid) override;
 
+    // A variant that the pipeline does not run.
+
+    /// Pins the axis across the capture direction so that the crop margins hold, and lowers
+    /// __cropRatio to what that keeps.
+    /// @param min, max  smallest and largest path value of that axis.
+    /// @param flag      non-zero: pin nothing.
+    void __CropSmoothingProcess(double min, double max, int cropTop, int cropLeft, int cropBottom,
+                                int cropRight, int orientation, int flag);
+
   private:
     // Smoothing, in the order of the pipeline. Results are 0 unless a line says otherwise.
 
@@ -42,16 +51,10 @@ class cKalmanFilterStabilization final : public iVideoStabilization {
     /// Appends to __prevToCurrNewTransform and sets __crossOverPoint.
     int __CalculateprevToCurrNewTransform();
 
-    // Two variants that the pipeline does not run.
+    // Variants that the pipeline does not run.
 
     /// Fixed noise, raw estimates appended to __smoothTrajectory.
     int __KalmanSmooth();
-    /// Pins the axis across the capture direction so that the crop margins hold, and lowers
-    /// __cropRatio to what that keeps.
-    /// @param min, max  smallest and largest path value of that axis.
-    /// @param flag      non-zero: pin nothing.
-    void __CropSmoothingProcess(double min, double max, int cropTop, int cropLeft, int cropBottom,
-                                int cropRight, int orientation, int flag);
     /// Keeps __cropRatio within (0, kCropRatio] for a kept share of the frame; unpins when nothing
     /// is kept. @param margins  top, left, bottom, right, for the log.
     void __LimitCropRatio(double ratio, double min, double max, const std::array<int, 4>& margins);

@@ -38,12 +38,11 @@ TEST(FinderLog, TellsTheLifeOfAFinder) {
                                           expected[i]}));
 }
 
-TEST(FinderLog, SaysNothingOfADiscardedFinder) {
+TEST(FinderLog, SaysNothingOfAReplacedFinder) {
     ifindTransform* const finder = ifindTransform::Create();
     EXPECT_EQ(finder->Initialize(640, 360), 0);
     fake_platform::clearLog();
-    ifindTransform::Discard(finder);
-    ifindTransform::Discard(nullptr);
+    delete finder;
     EXPECT_TRUE(fake_platform::logLines().empty());
 }
 
@@ -60,7 +59,7 @@ std::vector<std::string> linesOfAMeasuredFrame(const char* buildType) {
     std::vector<std::string> lines;
     for (const auto& line : fake_platform::logLines())
         lines.push_back(line.priority == 2 ? "<" + line.tag + ">" : line.text);
-    ifindTransform::Discard(finder);
+    delete finder;
     fake_platform::setBuildType("user");
     return lines;
 }

@@ -13,10 +13,7 @@ using namespace orbitwalk;
 
 namespace {
 
-struct Discarder {
-    void operator()(ifindTransform* finder) const { ifindTransform::Discard(finder); }
-};
-using Finder = std::unique_ptr<ifindTransform, Discarder>;
+using Finder = std::unique_ptr<ifindTransform>;
 
 constexpr int kWidth = 1280, kHeight = 720;
 

@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "PointSets.h"
-#include "findTransform/2D/RigidLeastSquares.h"
-#include "findTransform/2D/RigidSample.h"
+#include "findTransform/2D/RigidFit.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "PointSets.h"
-#include "findTransform/2D/RigidLeastSquares.h"
+#include "findTransform/2D/RigidFit.h"
 #include "findTransform/2D/RigidTransform.h"
 #include "orbitwalk/MotionKernels.h"
 

@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-#include "findTransform/2D/OtsuThreshold.h"
 #include "findTransform/2D/c2DCalculateTransform.h"
 
 namespace {

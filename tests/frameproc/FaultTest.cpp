@@ -124,8 +124,7 @@ TEST_F(Faults, ProcessorClosesTheWriterWhenTheEndMarkerDoesNotFit) {
         injected_faults::failArrayAllocationsOf(kSlot);
         EXPECT_THROW(send(*processor, 2), std::bad_alloc);
         std::thread stalledWriter([] {
-            while (fake_platform::countLog("OBW_MP4EncoderProcess::stop -- enter") == 0)
-                std::this_thread::yield();
+            EXPECT_TRUE(fake_platform::waitForLog("OBW_MP4EncoderProcess::stop -- enter"));
             fake_writer::openGate();
         });
         if (stopFirst) {

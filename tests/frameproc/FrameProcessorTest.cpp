@@ -6,7 +6,6 @@
 #include <future>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "support/FakeMP4Writer.h"
@@ -89,8 +88,7 @@ TEST_F(FrameProcessor, DropsQueuedFramesAtAnAbortAndClosesTheWriter) {
         fake_platform::clearLog();
         auto aborted = std::async(std::launch::async, [&] { return processor.abort(); });
         // The frame at the gate may go once the emergency exit is raised.
-        while (fake_platform::countLog("::abort -- signalEndOfFrames done") == 0)
-            std::this_thread::yield();
+        EXPECT_TRUE(fake_platform::waitForLog("::abort -- signalEndOfFrames done"));
         fake_writer::openGate();
         EXPECT_EQ(aborted.get(), result == 1 ? 0 : -1);
         EXPECT_THAT(fake_writer::firstBytes(), ElementsAre(0));

@@ -4,9 +4,7 @@
 #include <limits>
 #include <numbers>
 
-#include "stabilization/AspectFit.h"
 #include "stabilization/CropBounds.h"
-#include "stabilization/CropSmoothing.h"
 
 using namespace orbitwalk;
 

@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "stabilization/CameraPath.h"
-#include "stabilization/GaussianSmoothing.h"
 
 using namespace orbitwalk;
 

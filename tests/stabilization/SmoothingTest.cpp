@@ -6,7 +6,6 @@
 #include "Sweeps.h"
 #include "stabilization/CameraPath.h"
 #include "stabilization/FeedbackSearch.h"
-#include "stabilization/GaussianSmoothing.h"
 
 using namespace orbitwalk;
 

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <opencv2/core.hpp>
 
 #include "Captures.h"
@@ -10,18 +9,6 @@
 #include "support/FakePlatform.h"
 
 using testing::ElementsAre;
-
-// An explicit instantiation may name a private member: the way to a routine that the pipeline does
-// not run.
-using CropProcess = void (cKalmanFilterStabilization::*)(double, double, int, int, int, int, int,
-                                                         int);
-struct CropProcessKey {};
-CropProcess memberOf(CropProcessKey);
-template <CropProcess Member>
-struct Opened {
-    friend CropProcess memberOf(CropProcessKey) { return Member; }
-};
-template struct Opened<&cKalmanFilterStabilization::__CropSmoothingProcess>;
 
 namespace {
 
@@ -75,14 +62,14 @@ TEST(Stabilizer, SaysWhatItReceivesAndTheStagesOfItsSmoothing) {
 
 TEST(Stabilizer, CropSmoothingPinsTheAxisAcrossTheSweep) {
     auto stabilizer = sweeps::fed({{}, {}}, 1920, 1080);
-    const auto process = std::bind_front(memberOf(CropProcessKey()), &stabilizer);
     fake_platform::clearLog();
-    process(10, 30, 0, 0, 1060, 0, 180, 0);  // 1 - 20 / 1080
-    process(-5, 5, 1, 2, 3, 4, 0, 1);
+    stabilizer.__CropSmoothingProcess(10, 30, 0, 0, 1060, 0, 180, 0);  // 1 - 20 / 1080
+    stabilizer.__CropSmoothingProcess(-5, 5, 1, 2, 3, 4, 0, 1);
     EXPECT_EQ(stabilizer.doStabilization(0, 1, 0, 0, 0, 0, true), 0);
     // The pin leaves 1070 of the height, which allows 1902.2 of the width: 8.9 off either edge.
     EXPECT_EQ(fake_platform::countLog("min_x, max_x, max_y, min_y : 0 1920 1080 10"), 1);
-    process(0, 1920, 1, 2, 3, 1920, 270, 0);  // 1 - (10 + 1910) / 1920: nothing left, unpinned
+    stabilizer.__CropSmoothingProcess(0, 1920, 1, 2, 3, 1920, 270,
+                                      0);  // 1 - (10 + 1910) / 1920: nothing left, unpinned
     auto said = fake_platform::logTexts();
     std::erase_if(said, [](const auto& text) { return text.find("crop smoothing") > 1; });
     EXPECT_THAT(

@@ -1,5 +1,8 @@
 #include "support/FakePlatform.h"
 
+#include <chrono>
+#include <thread>
+
 #include <android/log.h>
 #include <sys/system_properties.h>
 
@@ -80,6 +83,16 @@ void whenLogged(std::function<void(const LogLine&)> called) {
 void clearLog() {
     const std::lock_guard guard(lock);
     lines.clear();
+}
+
+bool waitForLog(std::string_view text) {
+    const auto alarm = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (countLog(text) == 0) {
+        if (std::chrono::steady_clock::now() > alarm)
+            return false;
+        std::this_thread::yield();
+    }
+    return true;
 }
 
 }  // namespace fake_platform

@@ -4,7 +4,6 @@
 
 #include "stabilization/CameraPath.h"
 #include "stabilization/FeedbackSearch.h"
-#include "stabilization/GaussianSmoothing.h"
 
 namespace orbitwalk::tool {
 

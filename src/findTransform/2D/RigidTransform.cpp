@@ -1,3 +1,4 @@
+// OpenCV's video module declares a deprecated function of the exported name: its header stays out.
 #include "findTransform/2D/RigidTransform.h"
 
 #include <algorithm>
@@ -5,9 +6,9 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
+#include "findTransform/2D/RigidFit.h"
 #include "findTransform/2D/RigidGrid.h"
-#include "findTransform/2D/RigidLeastSquares.h"
-#include "findTransform/2D/RigidSample.h"
+#include "orbitwalk/MotionKernels.h"
 
 namespace orbitwalk {
 
@@ -130,3 +131,7 @@ cv::Mat rigidTransform(cv::InputArray src, cv::InputArray dst, bool fullAffine) 
 }
 
 }  // namespace orbitwalk
+
+cv::Mat cv::estimateRigidTransform(InputArray src, InputArray dst, bool fullAffine) {
+    return orbitwalk::rigidTransform(src, dst, fullAffine);
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <opencv2/core.hpp>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -33,5 +34,13 @@ std::vector<float> keepConsistentTracks(Points& prev, Points& cur, Points& back)
 /// @param displacements  one per track
 void keepSmallerMotions(std::span<const float> displacements, float threshold, Points& prev,
                         Points& cur, Points& back);
+
+/// Value that best splits the values into a small and a large group: the largest variance between
+/// the groups (Otsu, "A threshold selection method from gray-level histograms", 1979), over a
+/// histogram of one bin per whole number. On a plateau of equal maxima: the middle between its
+/// first and its last bin.
+/// @param values  ascending, non-negative whole numbers; may be empty (threshold 0).
+/// @return nothing when the histogram cannot be allocated.
+std::optional<float> otsuThreshold(std::span<const float> values);
 
 }  // namespace orbitwalk

@@ -17,7 +17,6 @@
 class c2DCalculateTransform : public ifindTransform {
   public:
     c2DCalculateTransform();
-    ~c2DCalculateTransform() override;
     c2DCalculateTransform(const c2DCalculateTransform&) = delete;
     c2DCalculateTransform& operator=(const c2DCalculateTransform&) = delete;
 
@@ -50,9 +49,6 @@ class c2DCalculateTransform : public ifindTransform {
     int OTsuThreshold(std::vector<float> values, float& threshold);
     float EuclideanDistCalc(cv::Point2f p, cv::Point2f q);
 
-    /// The destructor says nothing: this finder's end is no event of the capture.
-    void muteDestructor() { isMuted = true; }
-
   private:
     bool hasBuffers() const { return !frameBuf[0].empty(); }
     void readBuildType();
@@ -67,6 +63,8 @@ class c2DCalculateTransform : public ifindTransform {
                                          const std::vector<cv::Point2f>& curPts);
     orbitwalk::Trajectory repeatLastMotion();
     void appendTransform(const orbitwalk::Trajectory& motion);
+    void keepPoints(const std::vector<cv::Point2f>& prevPts,
+                    const std::vector<cv::Point2f>& curPts);
 
     std::vector<orbitwalk::Trajectory> prevToCurTransforms;
     std::vector<orbitwalk::Trajectory> trajectory;
@@ -78,7 +76,9 @@ class c2DCalculateTransform : public ifindTransform {
     /// in full-size pixels.
     cv::Mat lastTransform;
     int frameIndex = 0;
-    /// Matched points of every processed frame, for diagnosis; they grow for the whole capture.
+    /// Matched points of the first frames, for diagnosis: 32 kB a frame at most, 32 MB in all. The
+    /// motions above grow for the whole capture, by 48 bytes a frame.
+    static constexpr int kFramesWithPoints = 1000;
     std::map<int, std::vector<cv::Point2f>> keyPointsPrev;
     std::map<int, std::vector<cv::Point2f>> keyPointsCur;
     /// Reduced pictures of frames of even and of odd number.
@@ -89,5 +89,4 @@ class c2DCalculateTransform : public ifindTransform {
     int rszWidth = 0;
     int rszHeight = 0;
     bool engBuild = false;
-    bool isMuted = false;
 };

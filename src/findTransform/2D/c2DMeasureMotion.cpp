@@ -1,9 +1,9 @@
+#include <cmath>
 #include <opencv2/imgproc.hpp>
 
 #include "common/Log.h"
 #include "common/Stopwatch.h"
 #include "findTransform/2D/LumaReduction.h"
-#include "findTransform/2D/PictureMotion.h"
 #include "findTransform/2D/RigidTransform.h"
 #include "findTransform/2D/TrackFilter.h"
 #include "findTransform/2D/c2DCalculateTransform.h"
@@ -20,6 +20,21 @@ int count(const std::vector<cv::Point2f>& points) {
 
 bool tooFew(const std::vector<cv::Point2f>& points) {
     return count(points) < orbitwalk::kFewestTracks;
+}
+
+/// The motion that a transform [c -s tx; s c ty] stands for, without the scale that it may contain;
+/// an empty one is no motion.
+orbitwalk::Trajectory motionOf(const cv::Mat& transform) {
+    if (transform.empty())
+        return {};
+    return {transform.at<double>(0, 2), transform.at<double>(1, 2),
+            std::atan2(transform.at<double>(1, 0), transform.at<double>(0, 0))};
+}
+
+/// From reduced to full-size pixels: only the translation has a unit.
+void scaleTranslation(cv::Mat& transform, double factor) {
+    transform.at<double>(0, 2) *= factor;
+    transform.at<double>(1, 2) *= factor;
 }
 
 }  // namespace
@@ -152,19 +167,17 @@ bool c2DCalculateTransform::trackBackward(cv::Mat& prevView, cv::Mat& curView,
 orbitwalk::Trajectory c2DCalculateTransform::estimateMotion(
     const std::vector<cv::Point2f>& prevPts, const std::vector<cv::Point2f>& curPts) {
     cv::Mat transform = orbitwalk::rigidTransform(prevPts, curPts, false);
-    keyPointsPrev[frameIndex] = prevPts;
-    keyPointsCur[frameIndex] = curPts;
+    keepPoints(prevPts, curPts);
     if (!transform.empty()) {
-        orbitwalk::scaleTranslation(transform, rszFactor);
+        scaleTranslation(transform, rszFactor);
         lastTransform = transform;
     }
-    return orbitwalk::motionOf(lastTransform);
+    return motionOf(lastTransform);
 }
 
 orbitwalk::Trajectory c2DCalculateTransform::repeatLastMotion() {
-    keyPointsPrev[frameIndex].clear();
-    keyPointsCur[frameIndex].clear();
-    return orbitwalk::motionOf(lastTransform);
+    keepPoints({}, {});
+    return motionOf(lastTransform);
 }
 
 void c2DCalculateTransform::appendTransform(const orbitwalk::Trajectory& motion) {
@@ -172,4 +185,12 @@ void c2DCalculateTransform::appendTransform(const orbitwalk::Trajectory& motion)
     logInfo("CalculatePrevToCurTransform : Frame[%d] : Transform[ %f, %f, %f ] ", frameIndex,
             motion.x, motion.y, motion.a);
     ++frameIndex;
+}
+
+void c2DCalculateTransform::keepPoints(const std::vector<cv::Point2f>& prevPts,
+                                       const std::vector<cv::Point2f>& curPts) {
+    if (frameIndex >= kFramesWithPoints)
+        return;
+    keyPointsPrev[frameIndex] = prevPts;
+    keyPointsCur[frameIndex] = curPts;
 }

@@ -1,6 +1,14 @@
+#include "orbitwalk/MotionKernels.h"
+
+#include <opencv2/imgproc.hpp>
 #include <opencv2/video/tracking.hpp>
 
-#include "orbitwalk/MotionKernels.h"
+void NURV::goodFeaturesToTrack(cv::InputArray image, cv::OutputArray corners, int maxCorners,
+                               double qualityLevel, double minDistance, cv::InputArray mask,
+                               int blockSize, bool useHarrisDetector, double k) {
+    cv::goodFeaturesToTrack(image, corners, maxCorners, qualityLevel, minDistance, mask, blockSize,
+                            useHarrisDetector, k);
+}
 
 int NURV::buildOpticalFlowPyramid(cv::InputArray img, cv::OutputArrayOfArrays pyramid,
                                   cv::Size winSize, int maxLevel, bool withDerivatives,

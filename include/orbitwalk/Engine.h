@@ -77,6 +77,12 @@ enum OBWDirection : int {
 
 /// Implemented by the caller and registered by init; stays the caller's. onProgress is the third
 /// virtual slot, after the destructor pair.
+///
+/// A listener must live until init has returned with another one, or deinit has, and until a call
+/// of it that is under way has returned. After that it is not called any more: init waits for such
+/// a call for a moment (a fifth of a second at most, since that call may be waiting for the init),
+/// deinit until it is over; from within the call itself both return at once. A capture that ends
+/// while its listener is replaced reports 100 to the one that is registered then.
 class OBWEngineListener {
   public:
     virtual ~OBWEngineListener() = default;

@@ -57,7 +57,7 @@ int kelOBWEngine::init(int width, int height, OBWEngineListener* listener) {
         logInfo("Listener is null");
         return OBW_RESULT_INVALID_PARAM;
     }
-    mListener = listener;
+    mListener.replace(listener);
     {
         const StateLockGuard hold(stateLock);
         engineState = OBW_STATE_INITIALIZING;

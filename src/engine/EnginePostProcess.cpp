@@ -9,17 +9,6 @@ namespace {
 constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 constexpr int kProgressStatus = 0;
 
-/// A listener that throws must not end the process.
-void callListener(OBWEngineListener* listener, int percent) noexcept {
-    if (listener == nullptr)
-        return;
-    try {
-        listener->onProgress(kProgressStatus, percent);
-    } catch (...) {
-        logError("kelOBWEngine::onOBWEngineDoPostProcess : listener failed at %d", percent);
-    }
-}
-
 }  // namespace
 
 void* kelOBWEngine::onOBWEngineDoPostProcess(void* engine) {
@@ -65,11 +54,11 @@ void kelOBWEngine::postProcess() {
     time.log("kelOBWEngine:: onOBWEngineDoPostProcess OBW_PP_ACC StopTime_acc");
     resetLocalVariables();
     time.log("kelOBWEngine:: onOBWEngineDoPostProcess OBW_PP_ACC StopTime_full_acc");
-    OBWEngineListener* const listener = mListener;
     endPostProcess();
-    // From here on the engine may be in use elsewhere, or gone.
+    // From here on the engine may be in use elsewhere, and after the call gone: until then, whoever
+    // deletes it waits for this thread.
     logInfo("kelOBWEngine::onOBWEngineDoPostProcess : stateLock-unlock DONE");
-    callListener(listener, 100);
+    notifyProgress(100);
 }
 
 bool kelOBWEngine::finishMP4() {
@@ -139,5 +128,5 @@ void kelOBWEngine::endPostProcess() {
 }
 
 void kelOBWEngine::notifyProgress(int percent) {
-    callListener(mListener, percent);
+    mListener.call(kProgressStatus, percent);
 }

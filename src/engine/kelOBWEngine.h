@@ -10,6 +10,7 @@
 
 #include "common/Stopwatch.h"
 #include "engine/EngineState.h"
+#include "engine/ListenerSlot.h"
 #include "engine/SweepSelection.h"
 #include "findTransform/ifindTransform.h"
 #include "frameproc/OBW_FrameProcessor.h"
@@ -130,7 +131,7 @@ class kelOBWEngine {
     std::atomic<std::int32_t> progress = 0;
     // Set before any lock is taken.
     std::atomic<bool> cancelCmdReceived = false;
-    std::atomic<OBWEngineListener*> mListener = nullptr;
+    orbitwalk::ListenerSlot mListener;  ///< Synchronises itself.
 
     // Guarded by stateLock.
     pthread_t mPostProcThread = 0;

@@ -124,6 +124,42 @@ TEST_F(EngineTest, DeinitWaitsForTheListenersLastCall) {
     waiting.get();
 }
 
+// The window between giving the lock back and the call at 100 is held open by the line said in it.
+TEST_F(EngineTest, AReplacedListenerIsNeverCalledAgain) {
+    auto former = std::make_unique<RecordingListener>();
+    ASSERT_EQ(engine().init(0, 0, former.get()), OBW_RESULT_OK);
+    std::promise<void> inWindow, replaced;
+    fake_platform::whenLogged([&](const fake_platform::LogLine& line) {
+        if (line.text == "kelOBWEngine::onOBWEngineDoPostProcess : stateLock-unlock DONE") {
+            inWindow.set_value();
+            replaced.get_future().wait();
+        }
+    });
+    ASSERT_EQ(start(), OBW_RESULT_OK);
+    feedAndStop(2);
+    inWindow.get_future().wait();
+    EXPECT_EQ(init(), OBW_RESULT_OK);
+    EXPECT_EQ(former->percents(), (std::vector{15, 30, 45, 60, 75, 90}));
+    former.reset();
+    replaced.set_value();
+    EXPECT_EQ(listener.awaitAll(), std::vector{100});
+    fake_platform::whenLogged({});
+}
+
+TEST_F(EngineTest, AListenerMayWaitForItsReplacementOnAnotherThread) {
+    RecordingListener next;
+    listener.hook = [&](int percent) {
+        if (percent == 100) {
+            auto other = std::async(std::launch::async, [&] { return engine().init(0, 0, &next); });
+            EXPECT_EQ(other.get(), OBW_RESULT_OK);
+        }
+    };
+    beginCapture(2);
+    EXPECT_EQ(listener.awaitAll(), kAllProgress);
+    EXPECT_THAT(next.percents(), IsEmpty());
+    EXPECT_EQ(init(), OBW_RESULT_OK);
+}
+
 TEST_F(EngineTest, TheListenerMayEndTheEngineFromItsLastCall) {
     for (int round = 0; round < 20; ++round) {
         listener.forget();

@@ -24,6 +24,9 @@ find_package(Threads REQUIRED)
 find_package(OrbitwalkOpenCV REQUIRED)
 
 add_library(orbitwalk_settings INTERFACE)
+# File sizes and directory entries beyond 32 bits on 32-bit machines too; without it their directories of large
+# inodes cannot be read.
+target_compile_definitions(orbitwalk_settings INTERFACE _FILE_OFFSET_BITS=64)
 target_compile_features(orbitwalk_settings INTERFACE cxx_std_20)
 # Contraction would fuse multiply and add on 64-bit ARM, and the record would differ between machines. The
 # prefix keeps the paths of the machine that builds out of the errors that OpenCV reports.

@@ -53,7 +53,9 @@ struct _ENCODING_FRAME_INFORMATION {
     float x;                  ///< Cumulative trajectory as getTrajectory gave it, pixels.
     float y;                  ///< Pixels.
     float a;                  ///< Radians.
-    std::int32_t render;      ///< 1 = the frame is rendered; any other value = skipped.
+    std::int32_t render;      ///< 1 = rendered, 0 = skipped. Others are skipped too, but a frame
+                              ///< inside the range with one of them takes a matrix all the same, so
+                              ///< that it and every later frame get the one of the frame after.
     std::int32_t otherInfo1;  ///< Only logged.
     std::int32_t otherInfo2;  ///< Only logged.
 };

@@ -162,7 +162,8 @@ inline Refusal checkMatrix(const std::int32_t (&raw)[9], const char* name, int i
 /// The engine leaves the matrix of a capture of a single frame unwritten, all zero.
 inline bool isUnwritten(const __kelOBWKDXMetaData& r, int frame) {
     const auto isZero = [](std::int32_t element) { return element == 0; };
-    return r.numFrames == 1 && std::ranges::all_of(r.renderMat[frame], isZero);
+    return r.numFrames == 1 &&
+           std::all_of(std::begin(r.renderMat[frame]), std::end(r.renderMat[frame]), isZero);
 }
 
 inline Refusal checkMatrices(const __kelOBWKDXMetaData& r) {

@@ -66,7 +66,7 @@ int kelOBWEngine::takeOverSweep(int startFrame, int endFrame,
             direction);
     encodedFrameNum = count;
     pOBWKDXMetaInfo->captureDirection = captureDirection;
-    pFrameInfo = std::make_unique_for_overwrite<_ENCODING_FRAME_INFORMATION[]>(count);
+    pFrameInfo.reset(new _ENCODING_FRAME_INFORMATION[count]);
     std::copy_n(frames, count, pFrameInfo.get());
     return sendSweep();
 } catch (...) {

@@ -24,31 +24,49 @@ void notify(OBWEngineListener& listener, int status, int percent) {
 
 }  // namespace
 
+OBWEngineListener* ListenerSlot::Calls::enter(Call& call) {
+    const std::lock_guard hold(lock);
+    call = {listener, std::this_thread::get_id(), underWay};
+    underWay = &call;
+    return listener;
+}
+
+void ListenerSlot::Calls::leave(Call& call) {
+    const std::lock_guard hold(lock);
+    Call** link = &underWay;
+    while (*link != &call)
+        link = &(*link)->next;
+    *link = call.next;
+    ended.notify_all();
+}
+
+bool ListenerSlot::Calls::anyBy(std::thread::id thread) const {
+    for (const Call* call = underWay; call != nullptr; call = call->next)
+        if (call->thread == thread)
+            return true;
+    return false;
+}
+
+bool ListenerSlot::Calls::anyOfOthers(const OBWEngineListener* than) const {
+    for (const Call* call = underWay; call != nullptr; call = call->next)
+        if (call->listener != than)
+            return true;
+    return false;
+}
+
 void ListenerSlot::replace(OBWEngineListener* listener) {
     std::unique_lock hold(mCalls->lock);
-    if (listener == mCalls->listener)
-        return;
     mCalls->listener = listener;
-    if (mCalls->thread != std::this_thread::get_id())
-        mCalls->ended.wait_for(hold, kPatience, [&] { return !mCalls->underWay; });
+    if (!mCalls->anyBy(std::this_thread::get_id()))
+        mCalls->ended.wait_for(hold, kPatience, [&] { return !mCalls->anyOfOthers(listener); });
 }
 
 void ListenerSlot::call(int status, int percent) noexcept {
     const std::shared_ptr<Calls> calls = mCalls;
-    OBWEngineListener* listener = nullptr;
-    {
-        const std::lock_guard hold(calls->lock);
-        listener = calls->listener;
-        if (listener == nullptr)
-            return;
-        calls->underWay = true;
-        calls->thread = std::this_thread::get_id();
-    }
-    notify(*listener, status, percent);
-    const std::lock_guard hold(calls->lock);
-    calls->underWay = false;
-    calls->thread = {};
-    calls->ended.notify_all();
+    Call call{};
+    if (OBWEngineListener* const listener = calls->enter(call))
+        notify(*listener, status, percent);
+    calls->leave(call);
 }
 
 }  // namespace orbitwalk

@@ -15,8 +15,8 @@ namespace orbitwalk {
 /// begins, and a replacement waits for a call that has begun. Synchronises itself; any thread.
 class ListenerSlot {
   public:
-    /// Afterwards the former listener is not called any more. A call of it that is under way is
-    /// waited for, but not on its own thread, and only for a moment: it may itself be waiting for
+    /// Afterwards no other listener is called any more. Calls of others that are under way are
+    /// waited for, but not from within a call, and only for a moment: one may itself be waiting for
     /// this replacement on another thread, and then it has long begun.
     void replace(OBWEngineListener* listener);
 
@@ -25,12 +25,23 @@ class ListenerSlot {
     void call(int status, int percent) noexcept;
 
   private:
+    /// Lives on the stack of the thread that calls.
+    struct Call {
+        OBWEngineListener* listener;
+        std::thread::id thread;
+        Call* next;
+    };
     struct Calls {
+        /// Who is called from now on, and the call enters the list.
+        OBWEngineListener* enter(Call& call);
+        void leave(Call& call);
+        bool anyBy(std::thread::id thread) const;
+        bool anyOfOthers(const OBWEngineListener* than) const;
+
         std::mutex lock;
         std::condition_variable ended;
-        OBWEngineListener* listener = nullptr;  ///< Guarded by lock, as the rest.
-        bool underWay = false;
-        std::thread::id thread{};
+        OBWEngineListener* listener = nullptr;  ///< Guarded by lock, as what follows.
+        Call* underWay = nullptr;
     };
 
     std::shared_ptr<Calls> mCalls = std::make_shared<Calls>();

@@ -19,7 +19,7 @@ class OBW_FrameProcessor {
         std::int32_t height;           ///< Frame height in pixels.
         std::int32_t numBuffers;       ///< Initial number of queue slots.
         unsigned char* bufferPool;     ///< Caller's pool of numBuffers slots, or null.
-        char* mp4File;                 ///< MP4 file name, only logged; must outlive the processor.
+        char* mp4File;                 ///< MP4 file name, only logged; must outlive start.
         char* mp4TempDir;              ///< Directory of the MP4 writer's temporary files; ditto.
         std::FILE* mp4FileHandle;      ///< Open stream of the output.
         std::int32_t mp4FileHandleId;  ///< Integer handed to the writer beside the stream.

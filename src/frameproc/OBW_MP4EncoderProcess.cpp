@@ -48,7 +48,7 @@ void OBW_MP4EncoderProcess::logCreation() const {
         logInfo(
             "OBW_MP4EncoderProcess::OBW_MP4EncoderProcess -- enter : res = %dx%d, mp4File=%s, "
             "mp4TempPath=%s, mp4 file handle : %p, %d",
-            mWidth, mHeight, mp4File, mp4TempDir, static_cast<void*>(mp4FileHandle),
+            mWidth, mHeight, mp4File.c_str(), mp4TempDir.c_str(), static_cast<void*>(mp4FileHandle),
             mp4FileHandleId);
     } else {
         logInfo(
@@ -64,8 +64,8 @@ void OBW_MP4EncoderProcess::logWriterSettings(const char* writerTempDir) const {
         logInfo(
             "OBW_MP4EncoderProcess::onStart -- enter call InitMP4Engine: res : %dx%d, mp4File:%s, "
             "mp4TempDirPath=%s, mp4TempDir=%s, mp4 file handle : %p, %d",
-            mWidth, mHeight, mp4File, mp4TempDir, writerTempDir, static_cast<void*>(mp4FileHandle),
-            mp4FileHandleId);
+            mWidth, mHeight, mp4File.c_str(), mp4TempDir.c_str(), writerTempDir,
+            static_cast<void*>(mp4FileHandle), mp4FileHandleId);
     } else {
         logInfo(
             "OBW_MP4EncoderProcess::onStart -- enter call InitMP4Engine: res : %dx%d, "
@@ -80,7 +80,7 @@ void OBW_MP4EncoderProcess::logWriterSettings(const char* writerTempDir) const {
 
 void OBW_MP4EncoderProcess::onStart() {
     char writerTempDir[256];  // a longer path is cut
-    std::snprintf(writerTempDir, sizeof writerTempDir, "%s%s", mp4TempDir, "RW_LIB/");
+    std::snprintf(writerTempDir, sizeof writerTempDir, "%s%s", mp4TempDir.c_str(), "RW_LIB/");
     logWriterSettings(writerTempDir);
 
     const orbitwalk::Stopwatch stopwatch;

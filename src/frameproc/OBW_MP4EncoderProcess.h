@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 #include "frameproc/CThread.h"
 #include "frameproc/SPMCQueue.h"
@@ -16,9 +17,9 @@ class OBW_MP4EncoderProcess : public vfw::CThread {
   public:
     /// @param width, height    frame size in pixels; a frame is width * height * 3 / 2 bytes.
     /// @param queue            not owned; outlives the worker.
-    /// @param mp4File          file name, only logged; not null, outlives the worker.
+    /// @param mp4File          file name, only logged; not null, copied.
     /// @param mp4TempDir       directory, with its trailing slash, in which the writer may keep
-    ///                         temporary files; not null, outlives the worker.
+    ///                         temporary files; not null, copied.
     /// @param mp4FileHandle    open stream of the output; the caller's.
     /// @param mp4FileHandleId  handed to the writer beside the stream.
     OBW_MP4EncoderProcess(int width, int height, SPMCQueue<unsigned char>& queue, char* mp4File,
@@ -47,8 +48,9 @@ class OBW_MP4EncoderProcess : public vfw::CThread {
     std::int32_t mHeight;
     std::int32_t mRecvFrameCount = 0;     ///< Frames that onRun passed to the writer.
     std::int32_t mNumFramesReceived = 0;  ///< Only printed; nothing counts it.
-    char* mp4File;
-    char* mp4TempDir;
+    // Copies: a start may rewrite the engine's paths while a replaced worker still reads its own.
+    std::string mp4File;
+    std::string mp4TempDir;
     std::FILE* mp4FileHandle;
     std::int32_t mp4FileHandleId;
     std::int32_t mMp4RetStatus = 0;  ///< Result of onRun's last encode.

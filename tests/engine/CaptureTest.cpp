@@ -169,4 +169,29 @@ TEST_F(EngineTest, TheTrajectoryIsTheFindersAndTheFramesAreCopied) {
         EXPECT_THAT(encoded[i], Each(i));
 }
 
+// Stop plans for flag 1 alone; the record gives a matrix to whatever is not 0.
+TEST_F(EngineTest, AFlagOfSevenInsideTheRangeTakesTheNextFramesMatrix) {
+    constexpr int kFrames = 16;
+    const auto matricesWith = [&](int flag) {
+        initAndStart();
+        EXPECT_EQ(feed(kFrames), OBW_RESULT_OK);
+        std::vector<_ENCODING_FRAME_INFORMATION> path;
+        for (int i = 0; i < kFrames; ++i)
+            path.push_back({0.5f * static_cast<float>(i * i % 7), static_cast<float>(i % 3),
+                            0.001f * static_cast<float>(i * i % 11), i == 3 ? flag : 1, 0, 0});
+        EXPECT_EQ(stop(0, kFrames - 1, path), OBW_RESULT_OK);
+        listener.awaitAll();
+        listener.forget();
+        std::vector<std::vector<std::int32_t>> matrices;
+        for (const auto& matrix : record.renderMat)
+            matrices.emplace_back(std::begin(matrix), std::end(matrix));
+        return matrices;
+    };
+    const auto skipped = matricesWith(0), seven = matricesWith(7);
+    EXPECT_NE(skipped[4], skipped[5]) << "the frames' matrices cannot be told apart";
+    EXPECT_EQ(seven[2], skipped[2]);
+    for (int i = 3; i < kFrames - 2; ++i)
+        EXPECT_EQ(seven[i], skipped[i + 1]) << i;
+}
+
 }  // namespace

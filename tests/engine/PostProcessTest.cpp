@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "engine/EngineFixture.h"
+#include "engine/ListenerSlot.h"
 
 namespace {
 
@@ -144,6 +145,33 @@ TEST_F(EngineTest, AReplacedListenerIsNeverCalledAgain) {
     replaced.set_value();
     EXPECT_EQ(listener.awaitAll(), std::vector{100});
     fake_platform::whenLogged({});
+}
+
+// The call at 100 of one capture may still be under way when the next one's begins and ends.
+TEST(ListenerSlot, WaitsForEachOfTheCallsThatOverlap) {
+    orbitwalk::ListenerSlot slot;
+    RecordingListener former, next;
+    std::promise<void> entered, release;
+    std::atomic<bool> over = false;
+    former.hook = [&](int percent) {
+        if (percent != 1)
+            return;
+        entered.set_value();
+        release.get_future().wait();
+        over = true;
+    };
+    slot.replace(&former);
+    std::thread slow([&] { slot.call(0, 1); });
+    entered.get_future().wait();
+    slot.call(0, 2);  // Ends first.
+    auto replaced = std::async(std::launch::async, [&] {
+        slot.replace(&next);
+        return over.load();
+    });
+    release.set_value();
+    EXPECT_TRUE(replaced.get());
+    slow.join();
+    EXPECT_THAT(former.percents(), testing::UnorderedElementsAre(1, 2));
 }
 
 TEST_F(EngineTest, AListenerMayWaitForItsReplacementOnAnotherThread) {

@@ -77,10 +77,11 @@ std::vector<unsigned char> pngComment() {
 /// A comment segment of a JPEG with the mark.
 std::vector<unsigned char> jpegComment() {
     const std::size_t size = kMark.size() + 2;
-    std::vector<unsigned char> bytes{0xff, 0xfe, static_cast<unsigned char>(size >> 8),
-                                     static_cast<unsigned char>(size)};
-    bytes.insert(bytes.end(), kMark.begin(), kMark.end());
-    return bytes;
+    std::string bytes = "\xff\xfe";
+    bytes += static_cast<char>(size >> 8);
+    bytes += static_cast<char>(size);
+    bytes += kMark;
+    return {bytes.begin(), bytes.end()};
 }
 
 }  // namespace

@@ -58,7 +58,9 @@ class Refined : public testing::Test {
     static void TearDownTestSuite() { sDirectory.reset(); }
 
     static ToolRun run(const std::vector<std::string>& arguments) {
-        const ToolRun done = runTool(arguments, test_support::usingPictureCodecs());
+        const bool rendering = arguments.front() == "render";
+        const ToolRun done = runTool(
+            arguments, rendering ? test_support::usingPictureCodecs() : test_support::RunOptions());
         EXPECT_EQ(done.exitCode, 0) << done.err;
         return done;
     }

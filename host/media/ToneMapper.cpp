@@ -104,6 +104,7 @@ void ToneMapper::prepare(const AVFrame& picture) {
     Ends ends;
     if (!mGraph || !ends.in || !ends.out)
         fail(AVERROR(ENOMEM));
+    mGraph->nb_threads = 1;  // Frames come one at a time; a pool would only wait.
     char format[128];
     std::snprintf(format, sizeof format,
                   "video_size=%dx%d:pix_fmt=%d:time_base=1/1:pixel_aspect=1/1", picture.width,

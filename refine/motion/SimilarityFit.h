@@ -24,10 +24,11 @@ struct SimilarityFit {
 ///
 /// A track counts with 1/max(r, floor), r its distance from the motion, so that the sum of
 /// distances is made small, not of their squares: what moves otherwise pulls no harder for moving
-/// farther. That minimum is the same from every start, and shifts little from frame to frame in a
-/// scene of several planes. From there on, weights also fade to 0 between one and two times a cut
-/// which follows the spread of the tracks themselves (five median distances): in a still scene the
-/// walker's tracks go out altogether, and where everything lies apart, nothing does.
+/// farther, and the motion shifts little from frame to frame in a scene of several planes. Every
+/// fit starts from the plain least squares. From there on, weights also fade to 0 between one and
+/// two times a cut which follows the spread of the tracks themselves (five median distances): in a
+/// still scene the walker's tracks go out altogether, and where everything lies apart, nothing
+/// does.
 /// @param floor  distance that measuring noise reaches, pixels, above 0.
 /// @return a fit without a weight for fewer than two tracks.
 SimilarityFit fitSimilarity(std::span<const Track> tracks, double floor);

@@ -1,4 +1,3 @@
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -16,6 +15,7 @@
 #include "terminal/Print.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
+#include "terminal/Stopwatch.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -58,16 +58,6 @@ void writePng(const cv::Mat& picture, Output& output) {
         throw ToolError("cannot write " + output.path.string() + ": no PNG encoder");
     output.files.append(output.stream, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
-
-class Stopwatch {
-  public:
-    double seconds() const {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
-    }
-
-  private:
-    const std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
-};
 
 /// What stdout and stderr tell of an output once it is in place.
 struct Told {

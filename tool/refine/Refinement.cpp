@@ -1,6 +1,5 @@
 #include "refine/Refinement.h"
 
-#include <chrono>
 #include <cmath>
 #include <string>
 
@@ -11,6 +10,7 @@
 #include "sweep/Checksum.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
+#include "terminal/Stopwatch.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -18,16 +18,6 @@ namespace orbitwalk::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-class Stopwatch {
-  public:
-    double seconds() const {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
-    }
-
-  private:
-    const std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
-};
 
 struct MeasuredMotions {
     std::vector<refine::FrameMotion> motions;

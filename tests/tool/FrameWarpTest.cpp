@@ -1,4 +1,3 @@
-#include "render/FrameWarp.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <numbers>
 
 #include "orbitwalk/GeometryOpenCV.h"
-#include "render/FrameWarp.h"
+#include "render/FramePlanes.h"
 
 namespace orbitwalk::tool {
 

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "render/FramePlanes.h"
-#include "render/FrameWarp.h"
 
 namespace orbitwalk::tool {
 

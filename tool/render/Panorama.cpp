@@ -4,8 +4,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "render/FramePlanes.h"
-#include "render/OneThreadEach.h"
-#include "render/OrderedPipeline.h"
+#include "render/ShotPipeline.h"
 
 namespace orbitwalk::tool {
 
@@ -124,25 +123,16 @@ cv::Mat4b panorama(const Sweep& sweep, bool withBorderFrames, int threads,
     const PieceCutter cutter(sweep, layout);
     PanoramaCanvas canvas(layout.canvas);
     ShotReader reader(sweep, shots);
-    const int workers = workerCount(threads);
-    std::size_t given = 0;
     int painted = 0;
-    using Work = std::pair<const Placement*, Frame>;
-    const OneThreadEach guard;
-    OrderedPipeline<Work, Piece> pipeline(
-        {[&]() -> std::optional<Work> {
-             const auto shown = reader.next();
-             if (!shown)
-                 return std::nullopt;
-             return Work{&layout.placements[given++], shown->frame};
-         },
-         [&](const Work& work) { return cutter.cut(*work.first, *work.second); },
-         [&](const Piece& piece) {
-             canvas.paint(piece.picture, piece.weight, piece.corner);
-             progress(++painted);
-         }},
-        workers, 2 * workers + 2);
-    pipeline.run();
+    forEachShot(
+        reader, threads,
+        [&](const ShotFrame& shown) {
+            return cutter.cut(layout.placements[shown.number], *shown.frame);
+        },
+        [&](const Piece& piece) {
+            canvas.paint(piece.picture, piece.weight, piece.corner);
+            progress(++painted);
+        });
     cv::Mat4b picture = canvas.picture();
     if (sweep.record.isFlipped())
         cv::flip(picture, picture, 1);

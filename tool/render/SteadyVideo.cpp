@@ -1,15 +1,10 @@
 #include "render/SteadyVideo.h"
 
-#include <algorithm>
-#include <opencv2/core/utility.hpp>
 #include <optional>
-#include <thread>
 
 #include "media/VideoWriter.h"
 #include "render/FramePlanes.h"
-#include "render/FrameWarp.h"
-#include "render/OneThreadEach.h"
-#include "render/OrderedPipeline.h"
+#include "render/ShotPipeline.h"
 #include "render/SideBySide.h"
 #include "terminal/ToolError.h"
 
@@ -41,7 +36,9 @@ media::EncoderSettings encoderSettings(const SteadySettings& settings, cv::Size 
     encoder.matrix = media::colourMatrixOf(frame.width, frame.height);
     encoder.quality = settings.quality;
     encoder.bitRate = settings.bitRate;
-    encoder.threads = 4;  // The encoder's output depends on their number, not on the machine's.
+    // The output depends on the number of threads, so that it must not be the machine's; under a
+    // bit rate it depends on how far each of them has come as well.
+    encoder.threads = settings.bitRate > 0 ? 1 : 4;
     return encoder;
 }
 
@@ -79,28 +76,24 @@ SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings,
                              const std::function<void(int)>& progress) {
     const std::vector<Shot> shots = playlist(sweep.record, settings.borderFrames);
     const cv::Size size = settings.compare ? pairSize(sweep.size()) : sweep.size();
-    const int workers = workerCount(settings.threads);
     ShotReader reader(sweep, shots);
     std::optional<media::VideoWriter> writer;
     naming(name, [&] {
         writer.emplace(stream, encoderSettings(settings, size, sweep.size(), reader.frameRate()));
     });
     int written = 0;
-    const OneThreadEach guard;
-    OrderedPipeline<ShotFrame, Pixels> pipeline(
-        {[&] { return reader.next(); },
-         [&](const ShotFrame& shown) {
-             Pixels steady = warped(*shown.frame, sweep.size(), shown.shot.frameFromOutput);
-             return settings.compare
-                        ? sideBySide(recorded(*shown.frame, sweep), steady, sweep.size())
-                        : steady;
-         },
-         [&](const Pixels& frame) {
-             naming(name, [&] { writer->write(frame); });
-             progress(++written);
-         }},
-        workers, 2 * workers + 2);
-    pipeline.run();
+    forEachShot(
+        reader, settings.threads,
+        [&](const ShotFrame& shown) {
+            Pixels steady = warped(*shown.frame, sweep.size(), shown.shot.frameFromOutput);
+            return settings.compare
+                       ? sideBySide(recorded(*shown.frame, sweep), steady, sweep.size())
+                       : steady;
+        },
+        [&](const Pixels& frame) {
+            naming(name, [&] { writer->write(frame); });
+            progress(++written);
+        });
     naming(name, [&] { writer->finish(); });
     return summary(shots, sweep.size(), size);
 }

@@ -12,7 +12,7 @@ struct SteadySettings {
     bool compare = false;      ///< The frames as recorded on the left, stabilised on the right.
     int quality = 18;          ///< Constant rate factor, used when bitRate is 0.
     std::int64_t bitRate = 0;  ///< Bits per second.
-    int threads = 0;           ///< For warping; 0: as many as the machine has cores.
+    int threads = 0;           ///< See forEachShot.
 };
 
 struct SteadyVideo {

@@ -7,7 +7,6 @@
 
 #include "render/ContactSheet.h"
 #include "render/FramePlanes.h"
-#include "render/FrameWarp.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {

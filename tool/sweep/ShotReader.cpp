@@ -17,8 +17,8 @@ std::optional<ShotFrame> ShotReader::next() {
             requireFrameCount(mName, mFramesRead, mFramesInRecord);
             return std::nullopt;
         }
-    const Shot& shot = mShots[mNext++];
-    return ShotFrame{shot, mFrame};
+    const std::size_t number = mNext++;
+    return ShotFrame{mShots[number], mFrame, number};
 }
 
 bool ShotReader::decodeFrame() {

@@ -18,6 +18,7 @@ using Frame = std::shared_ptr<const std::vector<std::uint8_t>>;
 struct ShotFrame {
     Shot shot;
     Frame frame;
+    std::size_t number = 0;  ///< Of the shot, counted from 0.
 };
 
 /// Decodes the frames that the shots show, one shot after the other. One thread at a time.

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "render/RenderSummary.h"
+#include "render/SteadyVideo.h"
+#include "sweep/Sweep.h"
+
+namespace orbitwalk::tool {
+
+struct RenderOptions {
+    std::filesystem::path directory;  ///< Of the sweep.
+    std::filesystem::path video;      ///< To write, as the next two; empty: not wanted.
+    std::filesystem::path strip;
+    std::filesystem::path panorama;
+    SteadySettings steady;
+    RecordBy recordBy = RecordBy::Engine;
+};
+
+/// Plays a captured sweep into a video and pictures, which appear together when all are complete; a
+/// signal or a failure leaves nothing behind. On the main thread. @throws ToolError, MediaError.
+RenderSummary renderSweep(const RenderOptions& options);
+
+}  // namespace orbitwalk::tool

@@ -27,6 +27,8 @@ void validate(const EncoderSettings& s) {
             std::to_string(s.width) + "x" + std::to_string(s.height));
     require(s.frameRate.numerator > 0 && s.frameRate.denominator > 0, "frame rate",
             std::to_string(s.frameRate.numerator) + "/" + std::to_string(s.frameRate.denominator));
+    require(s.rotation >= 0 && s.rotation < 360 && s.rotation % 90 == 0, "rotation",
+            std::to_string(s.rotation));
     require(s.bitRate == 0 || (s.bitRate >= kSmallestBitRate && s.bitRate <= kLargestBitRate),
             "bit rate", std::to_string(s.bitRate));
     require(s.quality >= 0 && s.quality <= 51, "quality", std::to_string(s.quality));

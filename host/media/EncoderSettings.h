@@ -14,6 +14,8 @@ struct EncoderSettings {
     FrameRate frameRate;
     /// Of the frames, where it is not that of their size: two of them beside each other, say.
     std::optional<ColourMatrix> matrix;
+    int rotation =
+        0;  ///< By how much players turn the picture, clockwise: 0, 90, 180, 270 degrees.
     std::int64_t bitRate = 0;  ///< Bits per second, 1000 to 10^9; 0: constant quality instead.
     int quality = 18;  ///< Constant rate factor, 0 to 51, used when bitRate is 0; lower is better.
     int keyFrameInterval = 15;  ///< A key frame stands at every multiple of it and nowhere else.

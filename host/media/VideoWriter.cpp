@@ -8,6 +8,7 @@
 #include "media/VideoEncoder.h"
 
 extern "C" {
+#include <libavutil/display.h>
 #include <libavutil/imgutils.h>
 }
 
@@ -18,6 +19,15 @@ namespace {
 void check(int result, const char* action) {
     if (result < 0)
         throw MediaError(std::string("cannot ") + action + " the video: " + avErrorText(result));
+}
+
+void markTurned(AVStream& track, int clockwiseDegrees) {
+    constexpr std::size_t size = 9 * sizeof(std::int32_t);
+    auto* matrix = reinterpret_cast<std::int32_t*>(
+        av_stream_new_side_data(&track, AV_PKT_DATA_DISPLAYMATRIX, size));
+    if (!matrix)
+        throw std::bad_alloc();
+    av_display_rotation_set(matrix, clockwiseDegrees);
 }
 
 FramePtr makePicture(const EncoderSettings& settings) {
@@ -84,6 +94,8 @@ VideoWriter::State::State(std::FILE* stream, const EncoderSettings& settings)
     check(avcodec_parameters_from_context(track->codecpar, codec.get()), "write");
     track->time_base = codec->time_base;
     track->avg_frame_rate = codec->framerate;
+    if (settings.rotation != 0)
+        markTurned(*track, settings.rotation);
     writeHeader();
 }
 

@@ -73,6 +73,7 @@ TEST(EncoderSettings, EachSettingHasItsRange) {
         {"key-frame interval 0", [](EncoderSettings& s) { s.keyFrameInterval = 0; }},
         {"speed 10", [](EncoderSettings& s) { s.speed = 10; }},
         {"threads -1", [](EncoderSettings& s) { s.threads = -1; }},
+        {"rotation 45", [](EncoderSettings& s) { s.rotation = 45; }},
     };
     EXPECT_NO_THROW(validate(small()));
     for (const auto& c : cases) {

@@ -2,35 +2,27 @@
 
 #include "commands/Commands.h"
 #include "render/Rendering.h"
-#include "sweep/SweepFiles.h"
+#include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
-#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 
 namespace {
 
 struct Arguments {
+    CommonOptions common;
     RenderOptions render;
     bool refined = false;
 };
 
-void checkOutputs(const RenderOptions& options) {
-    if (options.video.empty() && options.strip.empty() && options.panorama.empty())
-        throw ToolError("nothing to render: give -o, --strip or --panorama");
-    if (options.steady.compare && options.video.empty())
-        throw ToolError("--compare needs a video to write: give -o");
-    refuseTakenNames(options.directory, {options.video, options.strip, options.panorama});
-}
-
 void run(Arguments arguments) {
     RenderOptions& options = arguments.render;
     options.recordBy = arguments.refined ? RecordBy::Refinement : RecordBy::Engine;
-    checkOutputs(options);
+    options.replaceForeign = arguments.common.force;
     const RenderSummary summary = renderSweep(options);
-    printOut(toText(summary));
     for (const std::string& warning : summary.warnings)
         printWarning(warning);
+    printSummary(arguments.common, toJsonText(summary), toText(summary));
 }
 
 }  // namespace
@@ -43,17 +35,18 @@ void addRenderCommand(CLI::App& app) {
     SteadySettings& steady = options.steady;
     command->add_option("DIR", options.directory, "What capture wrote: sweep.mp4, .obw and .csv")
         ->required();
-    command->add_option("-o,--output", options.video, "Stabilised video to write, MP4");
+    command->add_option("-o,--output", options.video,
+                        "Stabilised video to write, MP4; marked to be played upright");
     command->add_option("--strip", options.strip,
                         "Contact sheet to write, PNG: frames as recorded above the steady ones");
     command->add_option("--panorama", options.panorama,
                         "The whole sweep as one picture to write, PNG");
     command->add_flag("--refined", arguments->refined, kRefinedHelp);
     command->add_flag("--compare", steady.compare,
-                      "Put the frames as recorded on the left of the steady ones; the video is "
-                      "twice as wide, at most 3840 pixels");
-    command->add_flag("!--no-border-frames", steady.borderFrames,
-                      "Leave out the frames added before and after the sweep");
+                      "Put the frames as recorded on the left of the steady ones, both labelled; "
+                      "the video is twice as wide, at most 3840 pixels");
+    command->add_flag("--border-frames", steady.borderFrames,
+                      "Add the frames that the record has before and after the sweep");
     auto* quality = command->add_option("--quality", steady.quality,
                                         "Constant rate factor of the encoder, lower is better");
     quality->check(CLI::Range(0, 51))->capture_default_str();
@@ -65,6 +58,7 @@ void addRenderCommand(CLI::App& app) {
                      "Threads at work, at most one a core; 0: one a core")
         ->check(CLI::Range(0, 64))
         ->capture_default_str();
+    addCommonOptions(*command, arguments->common, Writes::Files);
     command->callback([arguments] { run(*arguments); });
 }
 

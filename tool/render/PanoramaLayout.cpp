@@ -64,24 +64,8 @@ cv::Rect pixelBounds(const Extent& extent, cv::Size canvas) {
 
 }  // namespace
 
-std::vector<Affine> framesFromScene(std::span<const SweepRow> path) {
-    std::vector<Affine> maps;
-    Affine map;
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        if (i > 0) {
-            const Trajectory motion = path[i].position - path[i - 1].position;
-            const double c = std::cos(motion.a);
-            const double s = std::sin(motion.a);
-            map = Affine{c, -s, motion.x, s, c, motion.y} * map;
-        }
-        maps.push_back(map);
-    }
-    return maps;
-}
-
 PanoramaLayout layOut(const RecordReader& record, std::span<const Shot> shots,
-                      std::span<const SweepRow> path) {
-    const std::vector<Affine> frames = framesFromScene(path);
+                      std::span<const Affine> frames) {
     std::vector<Affine> scenesFromPicture;
     Extent scene;
     for (const Shot& shot : shots) {

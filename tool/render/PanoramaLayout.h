@@ -6,18 +6,8 @@
 
 #include "orbitwalk/RecordReader.h"
 #include "sweep/Playlist.h"
-#include "sweep/SweepCsv.h"
 
-/// Where the pictures of a sweep lie in the scene that they sweep across. Scene coordinates are
-/// pixels of the first frame of a path. The frame of row i moves with the picture's motion from row
-/// to row; a corrected picture lies where its matrix cuts it from its frame. So the pictures of a
-/// sweep lie along minus the smoothed path, and the same thing lies at the same place in all of
-/// them.
 namespace orbitwalk::tool {
-
-/// Map from the scene to each frame: the motions between the rows, one after the other, each a
-/// rotation about the frame's origin followed by an offset.
-std::vector<Affine> framesFromScene(std::span<const SweepRow> path);
 
 /// A picture's place on the canvas.
 struct Placement {
@@ -34,9 +24,9 @@ struct PanoramaLayout {
 
 /// Lays the crop rectangle of every shot on a canvas that just holds them all, scaled down where
 /// that would be larger than 16384 pixels a side or 40 million in all.
-/// @param path  one row for each frame of the record.
+/// @param frames  map from the scene to each frame of the record, see framesFromScene.
 /// @throws ToolError when the canvas would have to be scaled down more than ten times.
 PanoramaLayout layOut(const RecordReader& record, std::span<const Shot> shots,
-                      std::span<const SweepRow> path);
+                      std::span<const Affine> frames);
 
 }  // namespace orbitwalk::tool

@@ -1,6 +1,10 @@
 #include "render/RenderSummary.h"
 
 #include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "sweep/Summary.h"
+#include "terminal/Print.h"
 
 namespace orbitwalk::tool {
 
@@ -15,14 +19,14 @@ std::string textOf(const RenderedVideo& rendered) {
                   video.frames(), video.size.width, video.size.height, video.leftBorderFrames,
                   video.sweepFrames, video.rightBorderFrames, rendered.file.seconds,
                   video.frames() / rendered.file.seconds);
-    return rendered.file.path.string() + text;
+    return shown(rendered.file.path) + text;
 }
 
 std::string textOf(const char* kind, const RenderedFile& file) {
     char text[100];
     std::snprintf(text, sizeof text, ": %s of %dx%d, %.1f s\n", kind, file.size.width,
                   file.size.height, file.seconds);
-    return file.path.string() + text;
+    return shown(file.path) + text;
 }
 
 }  // namespace
@@ -31,6 +35,34 @@ std::string toText(const RenderSummary& summary) {
     return (summary.video ? textOf(*summary.video) : "") +
            (summary.strip ? textOf("strip", *summary.strip) : "") +
            (summary.panorama ? textOf("panorama", *summary.panorama) : "");
+}
+
+std::string toJsonText(const RenderSummary& summary) {
+    nlohmann::ordered_json json{{"tool", "orbitwalk render"}, {"toolVersion", toolVersion()}};
+    nlohmann::ordered_json outputs, seconds;
+    const auto add = [&](const char* kind, const RenderedFile& file) {
+        outputs[kind] = {
+            {"path", file.path.string()}, {"width", file.size.width}, {"height", file.size.height}};
+        seconds[kind] = file.seconds;
+    };
+    if (summary.video)
+        add("video", summary.video->file);
+    if (summary.strip)
+        add("strip", *summary.strip);
+    if (summary.panorama)
+        add("panorama", *summary.panorama);
+    seconds["total"] = summary.seconds;
+    json["outputs"] = outputs;
+    const SteadyVideo video = summary.video ? summary.video->video : SteadyVideo{};
+    json["frames"] = video.frames();
+    json["borderFrames"] = {{"left", video.leftBorderFrames}, {"right", video.rightBorderFrames}};
+    const auto& [x, y, width, height] = summary.crop;
+    json["crop"] = {{"x", x}, {"y", y}, {"width", width}, {"height", height}};
+    json["rotationDegrees"] = summary.rotation;
+    json["warnings"] = summary.warnings;
+    json["seconds"] = seconds;
+    // A file name may have bytes that are not UTF-8; JSON cannot.
+    return json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace orbitwalk::tool

@@ -27,10 +27,14 @@ struct RenderSummary {
     std::optional<RenderedVideo> video;
     std::optional<RenderedFile> strip;
     std::optional<RenderedFile> panorama;
+    CropRectangle crop;  ///< Of the frame, what is shown.
+    int rotation = 0;    ///< See displayRotation.
     std::vector<std::string> warnings;
+    double seconds = 0;  ///< In all.
 };
 
 /// A line a file.
 std::string toText(const RenderSummary& summary);
+std::string toJsonText(const RenderSummary& summary);
 
 }  // namespace orbitwalk::tool

@@ -2,12 +2,17 @@
 
 #include <malloc.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <opencv2/imgcodecs.hpp>
 #include <vector>
 
 #include "files/OutputFiles.h"
+#include "files/OwnFiles.h"
+#include "orbitwalk/GeometryOpenCV.h"
 #include "render/ContactSheet.h"
 #include "render/Panorama.h"
+#include "render/ScenePath.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/Stopwatch.h"
@@ -28,6 +33,51 @@ void keepFreedMemory() {
 #endif
 }
 
+void check(const RenderOptions& options) {
+    if (options.video.empty() && options.strip.empty() && options.panorama.empty())
+        throw UsageError("nothing to render: give -o, --strip or --panorama");
+    if (options.steady.compare && options.video.empty())
+        throw UsageError("--compare needs a video to write: give -o");
+    if (!options.video.empty())
+        requireExtension("--output", options.video, {".mp4"});
+    if (!options.strip.empty())
+        requireExtension("--strip", options.strip, {".png"});
+    if (!options.panorama.empty())
+        requireExtension("--panorama", options.panorama, {".png"});
+    refuseTakenNames(options.directory, {options.video, options.strip, options.panorama});
+}
+
+/// Says so when too much of the motion could not be measured.
+std::optional<std::string> motionWarning(const Sweep& sweep) {
+    const int frames = sweep.record.frameCount();
+    if (sweep.refinement) {
+        const auto unmeasured = std::ssize(sweep.refinement->summary.unmeasured);
+        if (unmeasured * 2 <= frames)
+            return std::nullopt;
+        return "the motion of " + std::to_string(unmeasured) + " of " + std::to_string(frames) +
+               " frames could not be measured, and the sweep is not steadier than the video";
+    }
+    if (sweep.path.empty() && sweep.summary)
+        return repeatedMotionWarning(sweep.summary->repeatedMotions, frames);
+    const auto repeated = std::ranges::count_if(sweep.path, &SweepRow::repeated);
+    return repeatedMotionWarning(static_cast<int>(repeated), frames);
+}
+
+std::optional<std::string> borderWarning(const Sweep& sweep) {
+    if (sweep.path.empty() && !sweep.refinement)
+        return std::nullopt;
+    const auto jump =
+        borderJump(playlist(sweep.record, true), framesFromScene(sweep), fromCv(sweep.size()));
+    if (!jump || jump->join <= jump->shake)
+        return std::nullopt;
+    char text[200];
+    std::snprintf(text, sizeof text,
+                  "the border frames make the picture jump by %.1f px where they join the sweep, "
+                  "more than it shook as recorded (%.1f px)",
+                  jump->join, jump->shake);
+    return text;
+}
+
 /// An output that was begun; no stream when it is not wanted.
 struct Output {
     fs::path path;
@@ -37,7 +87,15 @@ struct Output {
 class Rendering {
   public:
     explicit Rendering(const RenderOptions& options)
-        : mOptions(options), mSweep(openSweep(options.directory, options.recordBy)) {}
+        : mOptions(options),
+          mSweep(openSweep(options.directory, options.recordBy)),
+          mOutputs(options.replaceForeign) {
+        mSummary.crop = mSweep.record.crop();
+        mSummary.rotation = displayRotation(mSweep.record);
+        warn(motionWarning(mSweep));
+        if (options.steady.borderFrames)
+            warn(borderWarning(mSweep));
+    }
 
     RenderSummary run() {
         // All are begun first, so that what cannot be written is told before the work.
@@ -52,10 +110,16 @@ class Rendering {
             mSummary.panorama = renderPicture(panorama, [&] { return paintPanorama(); });
         SignalGuard::check();
         mOutputs.commit();
+        mSummary.seconds = mWatch.seconds();
         return mSummary;
     }
 
   private:
+    void warn(std::optional<std::string> warning) {
+        if (warning)
+            mSummary.warnings.push_back(*std::move(warning));
+    }
+
     Output begin(const fs::path& file) {
         return {file, file.empty() ? nullptr : mOutputs.create(file)};
     }
@@ -79,10 +143,9 @@ class Rendering {
             writeSteadyVideo(mSweep, mOptions.steady, output.stream, output.path, progressOf(bar));
         mSummary.video = {{output.path, video.size, watch.seconds()}, video};
         if (video.missingPixels > 0)
-            mSummary.warnings.push_back(
-                std::to_string(video.missingPixels) + " pixels of " +
-                std::to_string(video.incompleteFrames) +
-                " frames lie inside the crop but outside what was recorded");
+            warn(std::to_string(video.missingPixels) + " pixels of " +
+                 std::to_string(video.incompleteFrames) +
+                 " frames lie inside the crop but outside what was recorded");
     }
 
     cv::Mat paintPanorama() const {
@@ -99,22 +162,30 @@ class Rendering {
         std::vector<uchar> png;
         if (!cv::imencode(".png", picture, png))
             throw ToolError("cannot write " + output.path.string() + ": no PNG encoder");
+        markPicture(png);
         mOutputs.append(output.stream, {reinterpret_cast<const char*>(png.data()), png.size()});
         return {output.path, picture.size(), watch.seconds()};
     }
 
+    const Stopwatch mWatch;
     const RenderOptions& mOptions;
     const Sweep mSweep;
-    OutputFiles mOutputs{true};
+    OutputFiles mOutputs;
     RenderSummary mSummary;
 };
 
 }  // namespace
 
 RenderSummary renderSweep(const RenderOptions& options) {
+    check(options);
     const SignalGuard signals;
     keepFreedMemory();
-    return Rendering(options).run();
+    try {
+        return Rendering(options).run();
+    } catch (const media::MediaError&) {
+        SignalGuard::check();
+        throw;
+    }
 }
 
 }  // namespace orbitwalk::tool

@@ -13,10 +13,12 @@ struct RenderOptions {
     std::filesystem::path panorama;
     SteadySettings steady;
     RecordBy recordBy = RecordBy::Engine;
+    bool replaceForeign = false;  ///< Files that the tool did not write may be replaced.
 };
 
 /// Plays a captured sweep into a video and pictures, which appear together when all are complete; a
-/// signal or a failure leaves nothing behind. On the main thread. @throws ToolError, MediaError.
+/// signal or a failure leaves nothing behind. On the main thread.
+/// @throws UsageError when the options do not go together; ToolError, MediaError.
 RenderSummary renderSweep(const RenderOptions& options);
 
 }  // namespace orbitwalk::tool

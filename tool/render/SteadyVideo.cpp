@@ -25,15 +25,15 @@ Pixels recorded(const Pixels& frame, const Sweep& sweep) {
                                     : frame;
 }
 
-/// @param size, frame  of the video's pictures, and of the sweep's: compared, two stand side by
-/// side.
-media::EncoderSettings encoderSettings(const SteadySettings& settings, cv::Size size,
-                                       cv::Size frame, media::FrameRate rate) {
+/// @param size  of the video's pictures; compared, two of the sweep's stand side by side.
+media::EncoderSettings encoderSettings(const SteadySettings& settings, const Sweep& sweep,
+                                       cv::Size size, media::FrameRate rate) {
     media::EncoderSettings encoder;
     encoder.width = size.width;
     encoder.height = size.height;
     encoder.frameRate = rate;
-    encoder.matrix = media::colourMatrixOf(frame.width, frame.height);
+    encoder.matrix = media::colourMatrixOf(sweep.size().width, sweep.size().height);
+    encoder.rotation = displayRotation(sweep.record);
     encoder.quality = settings.quality;
     encoder.bitRate = settings.bitRate;
     // The output depends on the number of threads, so that it must not be the machine's; under a
@@ -42,9 +42,8 @@ media::EncoderSettings encoderSettings(const SteadySettings& settings, cv::Size 
     return encoder;
 }
 
-SteadyVideo summary(const std::vector<Shot>& shots, cv::Size frame, cv::Size size) {
+SteadyVideo summary(const std::vector<Shot>& shots, cv::Size frame) {
     SteadyVideo video;
-    video.size = size;
     for (const Shot& shot : shots) {
         if (shot.kind != ShotKind::Sweep) {
             ++(shot.kind == ShotKind::LeftBorder ? video.leftBorderFrames
@@ -71,31 +70,39 @@ void naming(const std::filesystem::path& file, Step step) {
 
 }  // namespace
 
+int displayRotation(const RecordReader& record) {
+    const int turn = record.orientation();
+    if (turn != 90 && turn != 270)
+        return 0;
+    return record.isFlipped() ? 360 - turn : turn;
+}
+
 SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings, std::FILE* stream,
                              const std::filesystem::path& name,
                              const std::function<void(int)>& progress) {
     const std::vector<Shot> shots = playlist(sweep.record, settings.borderFrames);
-    const cv::Size size = settings.compare ? pairSize(sweep.size()) : sweep.size();
+    const SideBySide sideBySide(sweep.size(), displayRotation(sweep.record));
+    const cv::Size size = settings.compare ? sideBySide.size() : sweep.size();
     ShotReader reader(sweep, shots);
     std::optional<media::VideoWriter> writer;
     naming(name, [&] {
-        writer.emplace(stream, encoderSettings(settings, size, sweep.size(), reader.frameRate()));
+        writer.emplace(stream, encoderSettings(settings, sweep, size, reader.frameRate()));
     });
     int written = 0;
     forEachShot(
         reader, settings.threads,
         [&](const ShotFrame& shown) {
             Pixels steady = warped(*shown.frame, sweep.size(), shown.shot.frameFromOutput);
-            return settings.compare
-                       ? sideBySide(recorded(*shown.frame, sweep), steady, sweep.size())
-                       : steady;
+            return settings.compare ? sideBySide(recorded(*shown.frame, sweep), steady) : steady;
         },
         [&](const Pixels& frame) {
             naming(name, [&] { writer->write(frame); });
             progress(++written);
         });
     naming(name, [&] { writer->finish(); });
-    return summary(shots, sweep.size(), size);
+    SteadyVideo video = summary(shots, sweep.size());
+    video.size = size;
+    return video;
 }
 
 }  // namespace orbitwalk::tool

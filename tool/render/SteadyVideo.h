@@ -8,11 +8,11 @@
 namespace orbitwalk::tool {
 
 struct SteadySettings {
-    bool borderFrames = true;
-    bool compare = false;      ///< The frames as recorded on the left, stabilised on the right.
-    int quality = 18;          ///< Constant rate factor, used when bitRate is 0.
-    std::int64_t bitRate = 0;  ///< Bits per second.
-    int threads = 0;           ///< See forEachShot.
+    bool borderFrames = false;  ///< Show the record's frames before and after the sweep.
+    bool compare = false;       ///< The frames as recorded on the left, stabilised on the right.
+    int quality = 18;           ///< Constant rate factor, used when bitRate is 0.
+    std::int64_t bitRate = 0;   ///< Bits per second.
+    int threads = 0;            ///< See forEachShot.
 };
 
 struct SteadyVideo {
@@ -25,6 +25,11 @@ struct SteadyVideo {
 
     int frames() const { return leftBorderFrames + sweepFrames + rightBorderFrames; }
 };
+
+/// By how much players turn the pictures of a sweep, clockwise, so that they stand upright: 0, 90
+/// or 270 degrees. It is the record's orientation (360 is 0); mirrored pictures turn the other way,
+/// so that they show what the preview did.
+int displayRotation(const RecordReader& record);
 
 /// Plays a sweep into an MP4 as a player would show it. The same sweep and settings give the same
 /// bytes, whatever the number of threads.

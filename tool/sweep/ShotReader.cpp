@@ -1,11 +1,13 @@
 #include "sweep/ShotReader.h"
 
+#include "terminal/SignalGuard.h"
+
 namespace orbitwalk::tool {
 
 ShotReader::ShotReader(const Sweep& sweep, std::vector<Shot> shots)
     : mName(sweep.files.video),
       mShots(std::move(shots)),
-      mVideo(sweep.files.video),
+      mVideo(sweep.files.video, {.interrupted = [] { return SignalGuard::received() != 0; }}),
       mFramesInRecord(sweep.record.frameCount()) {
     requireSize(mName, {mVideo.width(), mVideo.height()}, sweep.size());
 }

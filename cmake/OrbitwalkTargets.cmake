@@ -44,10 +44,10 @@ endif()
 # What a program of a sanitizer build needs besides; nothing in the others.
 add_library(orbitwalk_sanitized_program INTERFACE)
 if(ORBITWALK_SANITIZE STREQUAL thread)
-    add_library(one_threaded_opencv OBJECT ${PROJECT_SOURCE_DIR}/cmake/OneThreadedOpenCV.cpp)
-    target_link_libraries(one_threaded_opencv PRIVATE orbitwalk_settings OrbitwalkOpenCV::core)
+    add_library(thread_sanitized_opencv OBJECT ${PROJECT_SOURCE_DIR}/cmake/ThreadSanitizedOpenCV.cpp)
+    target_link_libraries(thread_sanitized_opencv PRIVATE orbitwalk_settings OrbitwalkOpenCV::core)
     target_link_libraries(orbitwalk_sanitized_program INTERFACE OrbitwalkOpenCV::core)
-    target_sources(orbitwalk_sanitized_program INTERFACE $<TARGET_OBJECTS:one_threaded_opencv>)
+    target_sources(orbitwalk_sanitized_program INTERFACE $<TARGET_OBJECTS:thread_sanitized_opencv>)
 endif()
 
 add_library(orbitwalk_headers INTERFACE)

@@ -58,9 +58,7 @@ class Refined : public testing::Test {
     static void TearDownTestSuite() { sDirectory.reset(); }
 
     static ToolRun run(const std::vector<std::string>& arguments) {
-        const bool rendering = arguments.front() == "render";
-        const ToolRun done = runTool(
-            arguments, rendering ? test_support::usingPictureCodecs() : test_support::RunOptions());
+        const ToolRun done = runTool(arguments);
         EXPECT_EQ(done.exitCode, 0) << done.err;
         return done;
     }

@@ -87,8 +87,7 @@ class ReportInBrowser : public testing::Test {
     }
 
     std::string report() const {
-        const ToolRun run = runTool({"report", directory / "sweep", "-o", directory / "r.html"},
-                                    usingPictureCodecs());
+        const ToolRun run = runTool({"report", directory / "sweep", "-o", directory / "r.html"});
         EXPECT_EQ(run.exitCode, 0) << run.err;
         return contentOf(directory / "r.html");
     }

@@ -23,9 +23,7 @@ class ReportCommand : public testing::Test {
     ReportCommand() { sweep.write(input); }
 
     ToolRun report(const std::string& output, std::optional<long> fileSizeLimit = {}) const {
-        RunOptions options = usingPictureCodecs();
-        options.fileSizeLimit = fileSizeLimit;
-        return runTool({"report", input.string(), "-o", output}, options);
+        return runTool({"report", input.string(), "-o", output}, {.fileSizeLimit = fileSizeLimit});
     }
 
     const AnalyticSweep sweep{};

@@ -8,20 +8,12 @@
 namespace test_support {
 
 struct RunOptions {
-    std::map<std::string, std::string> environment;  ///< Added to the test's own.
-    std::optional<long> fileSizeLimit;               ///< Bytes that the tool may write to a file.
-    bool fullOutput = false;  ///< stdout is a device without room, and the run's out is empty.
-    std::string signalAfter;  ///< Text on stderr upon which a signal is sent.
-    int signal = 0;           ///< SIGPIPE comes of closing stderr.
+    std::map<std::string, std::string> environment{};  ///< Added to the test's own.
+    std::optional<long> fileSizeLimit{};               ///< Bytes that the tool may write to a file.
+    bool fullOutput = false;    ///< stdout is a device without room, and the run's out is empty.
+    std::string signalAfter{};  ///< Text on stderr upon which a signal is sent.
+    int signal = 0;             ///< SIGPIPE comes of closing stderr.
 };
-
-/// For commands that read or write pictures by OpenCV's codecs: those load a library that takes its
-/// own two locks in either order, which the thread sanitizer reports.
-inline RunOptions usingPictureCodecs() {
-    RunOptions options;
-    options.environment = {{"TSAN_OPTIONS", "detect_deadlocks=0"}};
-    return options;
-}
 
 struct ToolRun {
     int exitCode = -1;  ///< -1 when a signal ended the tool.

@@ -118,7 +118,7 @@ TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) 
         {{text, "-o", text}, "names of their own"},
     };
     for (const auto& [arguments, reason] : cases) {
-        const ToolRun run = runTool(smallClip(arguments), test_support::usingPictureCodecs());
+        const ToolRun run = runTool(smallClip(arguments));
         expectRefusal(run, reason);
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
         EXPECT_EQ(test_support::namesIn(dir / ""), (Arguments{"folder", "text"})) << reason;

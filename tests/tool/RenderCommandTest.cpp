@@ -80,8 +80,8 @@ TEST_F(RenderCommand, GivesTheSameBytesWithAnyNumberOfThreads) {
 TEST_F(RenderCommand, TellsAsJsonWhatItWroteAndNothingWhenQuiet) {
     const ToolRun run = render({"-o", video, "--border-frames", "--json"});
     const auto json = nlohmann::json::parse(run.out);
-    EXPECT_EQ(json["outputs"]["video"],
-              nlohmann::json({{"path", video}, {"width", 320}, {"height", 240}}));
+    EXPECT_EQ(json["outputs"], nlohmann::json({{"video", video}}));
+    EXPECT_EQ(json["sizes"]["video"], nlohmann::json({{"width", 320}, {"height", 240}}));
     EXPECT_EQ(json["frames"], 13);
     EXPECT_EQ(json["borderFrames"], nlohmann::json({{"left", 2}, {"right", 2}}));
     EXPECT_EQ(json["crop"],

@@ -42,8 +42,8 @@ std::vector<Shot> sheetShots(const RecordReader& record, int columns) {
     return chosen;
 }
 
-cv::Mat3b contactSheet(const Sweep& sweep, int columns) {
-    const std::vector<Shot> shots = sheetShots(sweep.record, columns);
+cv::Mat3b contactSheet(const Sweep& sweep, const std::function<void(int)>& progress) {
+    const std::vector<Shot> shots = sheetShots(sweep.record, kSheetColumns);
     const cv::Size size = sweep.size();
     const cv::Size cell = thumbnailSize(size) + cv::Size(kGap, kGap + kCaption);
     cv::Mat3b sheet(2 * cell.height + kGap, static_cast<int>(shots.size()) * cell.width + kGap);
@@ -62,6 +62,7 @@ cv::Mat3b contactSheet(const Sweep& sweep, int columns) {
         show(*shown, shown->shot.frameFromOutput, corner + cv::Point(0, cell.height),
              name + ", steady");
         corner.x += cell.width;
+        progress(static_cast<int>(shown->number) + 1);
     }
     return sheet;
 }

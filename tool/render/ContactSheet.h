@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <opencv2/core/mat.hpp>
 
 #include "sweep/ShotReader.h"
@@ -13,7 +14,8 @@ inline constexpr int kSheetColumns = 6;
 std::vector<Shot> sheetShots(const RecordReader& record, int columns);
 
 /// One column a frame: as recorded above, as a player shows it below, each with a caption.
+/// @param progress  told the number of frames shown so far.
 /// @throws ToolError, MediaError: see ShotReader.
-cv::Mat3b contactSheet(const Sweep& sweep, int columns = kSheetColumns);
+cv::Mat3b contactSheet(const Sweep& sweep, const std::function<void(int)>& progress);
 
 }  // namespace orbitwalk::tool

@@ -39,10 +39,10 @@ std::string toText(const RenderSummary& summary) {
 
 std::string toJsonText(const RenderSummary& summary) {
     nlohmann::ordered_json json{{"tool", "orbitwalk render"}, {"toolVersion", toolVersion()}};
-    nlohmann::ordered_json outputs, seconds;
+    nlohmann::ordered_json outputs, sizes, seconds;
     const auto add = [&](const char* kind, const RenderedFile& file) {
-        outputs[kind] = {
-            {"path", file.path.string()}, {"width", file.size.width}, {"height", file.size.height}};
+        outputs[kind] = file.path.string();
+        sizes[kind] = {{"width", file.size.width}, {"height", file.size.height}};
         seconds[kind] = file.seconds;
     };
     if (summary.video)
@@ -53,6 +53,7 @@ std::string toJsonText(const RenderSummary& summary) {
         add("panorama", *summary.panorama);
     seconds["total"] = summary.seconds;
     json["outputs"] = outputs;
+    json["sizes"] = sizes;
     const SteadyVideo video = summary.video ? summary.video->video : SteadyVideo{};
     json["frames"] = video.frames();
     json["borderFrames"] = {{"left", video.leftBorderFrames}, {"right", video.rightBorderFrames}};

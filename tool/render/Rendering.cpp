@@ -105,7 +105,7 @@ class Rendering {
         if (video.stream)
             renderVideo(video);
         if (strip.stream)
-            mSummary.strip = renderPicture(strip, [&] { return contactSheet(mSweep); });
+            mSummary.strip = renderPicture(strip, [&] { return makeStrip(); });
         if (panorama.stream)
             mSummary.panorama = renderPicture(panorama, [&] { return paintPanorama(); });
         SignalGuard::check();
@@ -146,6 +146,11 @@ class Rendering {
             warn(std::to_string(video.missingPixels) + " pixels of " +
                  std::to_string(video.incompleteFrames) +
                  " frames lie inside the crop but outside what was recorded");
+    }
+
+    cv::Mat makeStrip() const {
+        ProgressBar bar("Choosing", kSheetColumns);
+        return contactSheet(mSweep, progressOf(bar));
     }
 
     cv::Mat paintPanorama() const {

@@ -24,6 +24,7 @@ std::optional<ShotFrame> ShotReader::next() {
 }
 
 bool ShotReader::decodeFrame() {
+    SignalGuard::check();
     auto pixels = std::make_shared<std::vector<std::uint8_t>>();
     if (!mVideo.read(*pixels))
         return false;

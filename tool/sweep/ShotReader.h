@@ -30,7 +30,8 @@ class ShotReader {
 
     media::FrameRate frameRate() const { return mVideo.frameRate(); }
     /// The next shot; nothing after the last, when the video was read to its end.
-    /// @throws ToolError when the video holds another number of frames than the record; MediaError.
+    /// @throws ToolError when the video holds another number of frames than the record, or a signal
+    /// has come; MediaError.
     std::optional<ShotFrame> next();
 
   private:

@@ -22,7 +22,7 @@
 /// waits for a listener call that is under way (unless the listener itself made the call).
 ///
 /// Errors. Nothing is thrown. An entry point returns 1 for success and -1 for failure; why it
-/// failed stands in the log under the tag "ORBITWALK_ENGINE".
+/// failed, with what a library threw, stands in the log under the tag "ORBITWALK_ENGINE".
 ///
 /// A host may write another directory, at most 199 characters and ending in a slash, into
 /// localTmpDir before init. The engine owns that directory: it removes it with all that it holds.

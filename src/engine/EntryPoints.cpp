@@ -1,5 +1,4 @@
 #include "common/Log.h"
-#include "engine/ResultCodes.h"
 #include "engine/kelOBWEngine.h"
 #include "orbitwalk/Engine.h"
 
@@ -8,11 +7,13 @@ namespace {
 constexpr char kLogTag[] = "ORBITWALK_ENGINE_INTERFACE";
 
 /// Runs one operation on the engine; an exception ends here as a failed component.
+/// @param name  the entry point's, for the log
 template <class Operation>
-int onEngine(Operation operation) noexcept {
+int onEngine(const char* name, Operation operation) noexcept {
     try {
         return operation(*kelOBWEngine::GetInstance());
     } catch (...) {
+        orbitwalk::logCause(kLogTag, name);
         return OBW_RESULT_FAIL;
     }
 }
@@ -30,7 +31,8 @@ unsigned char* writable(const unsigned char* frame) {
 
 int initOrbitwalkEngine(OBWEngineListener* listener) {
     logInfo("initOrbitwalkEngine : E");
-    const int status = onEngine([&](kelOBWEngine& engine) { return engine.init(0, 0, listener); });
+    const int status = onEngine("initOrbitwalkEngine",
+                                [&](kelOBWEngine& engine) { return engine.init(0, 0, listener); });
     if (status != OBW_RESULT_OK)
         logInfo("initOrbitwalkEngine ERROR........status=%d, returning -1 ", status);
     logInfo("initOrbitwalkEngine : X");
@@ -40,7 +42,8 @@ int initOrbitwalkEngine(OBWEngineListener* listener) {
 int getSizeOrbitwalkInformation(void) {
     logInfo("getSizeOrbitwalkInformation : E");
     int size = OBW_METADATA_SIZE;
-    const int status = onEngine([&](kelOBWEngine& engine) { return engine.getOBWInfoSize(&size); });
+    const int status = onEngine("getSizeOrbitwalkInformation",
+                                [&](kelOBWEngine& engine) { return engine.getOBWInfoSize(&size); });
     if (status != OBW_RESULT_OK)
         logInfo("getSizeOrbitwalkInformation ERROR........status=%d, returning -1 ", status);
     logInfo("getSizeOrbitwalkInformation : X : OBW Info Size = %d", size);
@@ -54,7 +57,8 @@ int startOrbitwalkEngine(_OBW_ENGINE_INIT_PARAM* param) {
             "startOrbitwalkEngine : Init Param. image width = %d\timage height = %d\torientation = "
             "%d",
             param->imageWidth, param->imageHeight, param->orientation);
-    const int status = onEngine([&](kelOBWEngine& engine) { return engine.start(param); });
+    const int status =
+        onEngine("startOrbitwalkEngine", [&](kelOBWEngine& engine) { return engine.start(param); });
     if (status != OBW_RESULT_OK)
         logInfo("startOrbitwalkEngine ERROR........status=%d, returning -1 ", status);
     logInfo("startOrbitwalkEngine : X");
@@ -63,8 +67,9 @@ int startOrbitwalkEngine(_OBW_ENGINE_INIT_PARAM* param) {
 
 void getTrajectory(const unsigned char* frame, float* x, float* y, float* a) {
     logInfo("getTrajectory : E");
-    onEngine(
-        [&](kelOBWEngine& engine) { return engine.computeTrajectory(writable(frame), x, y, a); });
+    onEngine("getTrajectory", [&](kelOBWEngine& engine) {
+        return engine.computeTrajectory(writable(frame), x, y, a);
+    });
     logInfo("getTrajectory : X");
 }
 
@@ -75,8 +80,9 @@ int provideFrameandTrajectory(const unsigned char* frame, float x, float y, floa
         "%f\tTrajectory.a = %f",
         static_cast<const void*>(frame), static_cast<double>(x), static_cast<double>(y),
         static_cast<double>(a));
-    const int status = onEngine(
-        [&](kelOBWEngine& engine) { return engine.setFrameInfo(writable(frame), x, y, a); });
+    const int status = onEngine("provideFrameandTrajectory", [&](kelOBWEngine& engine) {
+        return engine.setFrameInfo(writable(frame), x, y, a);
+    });
     if (status != OBW_RESULT_OK)
         logInfo("provideFrameandTrajectory : ERROR........status=%d, returning -1 ", status);
     logInfo("provideFrameandTrajectory : X");
@@ -93,7 +99,7 @@ int stopOrbitwalkEngine(int startFrameIdx, int endFrameIdx,
         "captureDirection=%d",
         startFrameIdx, endFrameIdx, static_cast<void*>(encodedFrameInfo), encodedFrameNum,
         captureDirection);
-    const int status = onEngine([&](kelOBWEngine& engine) {
+    const int status = onEngine("stopOrbitwalkEngine", [&](kelOBWEngine& engine) {
         return engine.stop(startFrameIdx, endFrameIdx, encodedFrameInfo, encodedFrameNum,
                            captureDirection);
     });
@@ -105,7 +111,8 @@ int stopOrbitwalkEngine(int startFrameIdx, int endFrameIdx,
 
 int resetOrbitwalkEngine(void) {
     logInfo("resetOrbitwalkEngine : E");
-    const int status = onEngine([](kelOBWEngine& engine) { return engine.reset(); });
+    const int status =
+        onEngine("resetOrbitwalkEngine", [](kelOBWEngine& engine) { return engine.reset(); });
     if (status != OBW_RESULT_OK)
         logInfo("resetOrbitwalkEngine ERROR........status=%d, returning -1 ", status);
     logInfo("resetOrbitwalkEngine : X");
@@ -114,7 +121,8 @@ int resetOrbitwalkEngine(void) {
 
 int cancelOrbitwalkEngine(void) {
     logInfo("cancelOrbitwalkEngine : E");
-    const int status = onEngine([](kelOBWEngine& engine) { return engine.cancel(); });
+    const int status =
+        onEngine("cancelOrbitwalkEngine", [](kelOBWEngine& engine) { return engine.cancel(); });
     if (status != OBW_RESULT_OK)
         logInfo("cancelOrbitwalkEngine ERROR........status=%d, returning -1 ", status);
     logInfo("cancelOrbitwalkEngine : X");
@@ -123,7 +131,8 @@ int cancelOrbitwalkEngine(void) {
 
 int deinitOrbitwalkEngine(void) {
     logInfo("deinitOrbitwalkEngine : E");
-    const int status = onEngine([](kelOBWEngine& engine) { return engine.deinit(); });
+    const int status =
+        onEngine("deinitOrbitwalkEngine", [](kelOBWEngine& engine) { return engine.deinit(); });
     kelOBWEngine::ResetInstance();
     if (status != OBW_RESULT_OK)
         logInfo("deinitOrbitwalkEngine ERROR........status=%d, returning -1 ", status);

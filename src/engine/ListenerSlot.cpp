@@ -1,7 +1,5 @@
 #include "engine/ListenerSlot.h"
 
-#include <exception>
-
 #include "common/Log.h"
 
 namespace orbitwalk {
@@ -14,11 +12,9 @@ constexpr std::chrono::milliseconds kPatience{200};
 void notify(OBWEngineListener& listener, int status, int percent) {
     try {
         listener.onProgress(status, percent);
-    } catch (const std::exception& error) {
-        logError("kelOBWEngine::onOBWEngineDoPostProcess : listener failed at %d", percent);
-        logError("kelOBWEngine::onOBWEngineDoPostProcess : cause: %s", error.what());
     } catch (...) {
         logError("kelOBWEngine::onOBWEngineDoPostProcess : listener failed at %d", percent);
+        logCause(kLogTag, "kelOBWEngine::onOBWEngineDoPostProcess");
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+namespace orbitwalk {
+
 namespace {
 
 // No destructor runs at exit, when a detached thread may still come by.
@@ -24,3 +26,5 @@ void PostProcessingInFlight::waitForOthers() {
     for (int running = threads.load(); running > ownThreads; running = threads.load())
         threads.wait(running);
 }
+
+}  // namespace orbitwalk

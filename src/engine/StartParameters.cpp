@@ -3,6 +3,8 @@
 #include <cstring>
 #include <limits>
 
+namespace orbitwalk {
+
 bool isUsableFrameSize(std::int32_t width, std::int32_t height) {
     constexpr std::int32_t smallestSide = 4;
     constexpr std::int32_t largestSide = 32767;
@@ -29,3 +31,5 @@ std::int32_t frontCamFlipped(const _OBW_ENGINE_INIT_PARAM& param) {
     std::memcpy(&byte, &param.frontCamFlipped, 1);
     return byte != 0;
 }
+
+}  // namespace orbitwalk

@@ -1,8 +1,19 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 
 #include "orbitwalk/Engine.h"
+
+namespace orbitwalk {
+
+/// What a start has taken over.
+struct CaptureSettings {
+    _OBW_ENGINE_INIT_PARAM param{};   ///< Of the last start, also of one that was then refused.
+    std::FILE* fpMP4 = nullptr;       ///< The caller's stream.
+    void* pCallerMetaInfo = nullptr;  ///< The caller's record, of metaInfoSize bytes.
+    std::int32_t metaInfoSize = 0;
+};
 
 /// Slots that the frame queue starts with.
 inline constexpr std::int32_t kFrameSlots = 15;
@@ -18,3 +29,5 @@ std::int32_t recordedOrientation(std::int32_t orientation);
 /// The flag as the caller's byte says it, 1 or 0. A caller in another language may have written any
 /// value into it.
 std::int32_t frontCamFlipped(const _OBW_ENGINE_INIT_PARAM& param);
+
+}  // namespace orbitwalk

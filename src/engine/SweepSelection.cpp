@@ -1,13 +1,15 @@
 #include "engine/SweepSelection.h"
 
+namespace orbitwalk {
+
 SweepSelection selectSweep(std::span<const _ENCODING_FRAME_INFORMATION> frames, int startFrame,
                            int endFrame) {
     SweepSelection selection;
-    orbitwalk::Trajectory reference;
+    Trajectory reference;
     for (int i = 0; i < static_cast<int>(frames.size()); ++i) {
         if (frames[i].render != 1 || i < startFrame || i > endFrame)
             continue;
-        const orbitwalk::Trajectory position{frames[i].x, frames[i].y, frames[i].a};
+        const Trajectory position{frames[i].x, frames[i].y, frames[i].a};
         if (selection.reference < 0) {
             selection.reference = i;
             reference = position;
@@ -33,3 +35,5 @@ SweepAxis sweepAxis(std::int32_t orientation, std::int32_t direction) {
 bool isValidRange(RenderRange range, std::int32_t numFrames) {
     return range.start >= 0 && range.end >= 0 && numFrames >= range.end;
 }
+
+}  // namespace orbitwalk

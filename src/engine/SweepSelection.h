@@ -7,10 +7,12 @@
 #include "orbitwalk/Engine.h"
 #include "orbitwalk/Geometry.h"
 
+namespace orbitwalk {
+
 /// Position of a selected frame, relative to the reference frame.
 struct SweepTransform {
     int frame;  ///< Index among the encoded frames.
-    orbitwalk::Trajectory fromReference;
+    Trajectory fromReference;
 
     friend bool operator==(const SweepTransform&, const SweepTransform&) = default;
 };
@@ -48,3 +50,5 @@ struct RenderRange {
 /// Whether the record can carry the caller's range as it is: nothing negative and an end that does
 /// not exceed the number of frames. Otherwise the range is 0 to the number of frames.
 bool isValidRange(RenderRange range, std::int32_t numFrames);
+
+}  // namespace orbitwalk

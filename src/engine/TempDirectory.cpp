@@ -12,10 +12,12 @@
 #include <string_view>
 
 #include "common/Log.h"
-#include "engine/ResultCodes.h"
+#include "engine/EngineState.h"
 #include "orbitwalk/Engine.h"
 
 char localTmpDir[200] = "/data/media/0/.TEMP_OBW_ENGINE_FILES/";
+
+namespace orbitwalk {
 
 namespace {
 
@@ -167,3 +169,71 @@ int removeTempDir(const char* path, bool showPaths) {
         return reportFailure(path == nullptr ? "" : path, showPaths);
     return removeDirectory(root.entry(), path, showPaths);
 }
+
+void TempDirectory::take() {
+    copyLocalTmpDir(tmpDirName);
+    std::snprintf(mp4FileName, sizeof mp4FileName, "%.*s%s", static_cast<int>(sizeof localTmpDir),
+                  tmpDirName, "orbitwalk_vid.tmp");
+}
+
+void TempDirectory::logPaths() const {
+    const int length = static_cast<int>(std::strlen(mp4FileName));
+    if (mShowPaths) {
+        logInfo("kelOBWEngine::start--temp path : localTmpDir = %s", tmpDirName);
+        logInfo("kelOBWEngine::start--temp mp4 file = %s, mp4FileName size = %d", mp4FileName,
+                length);
+    } else {
+        logInfo("kelOBWEngine::start--temp path : [Line: %d]", 405);
+        logInfo("kelOBWEngine::start--temp mp4 file [Line: %d], mp4FileName size = %d", 432,
+                length);
+    }
+}
+
+int TempDirectory::renew() {
+    if (removeTempDir(tmpDirName, mShowPaths) != OBW_RESULT_OK) {
+        logInfo("kelOBWEngine : start : removeTempDir FALIED retrun");
+        return OBW_RESULT_TEMP_DIR_ERROR;
+    }
+    struct stat status;
+    return stat(tmpDirName, &status) == 0 ? OBW_RESULT_OK : create();
+}
+
+int TempDirectory::create() {
+    if (mkdir(tmpDirName, 0777) == -1) {
+        logInfo("kelOBWEngine::start  : MKDIR FAILED");
+        if (mShowPaths)
+            logError("kelOBWEngine::start  : create directory %s FAILED", tmpDirName);
+        else
+            logError("kelOBWEngine::start  : create directory [Line: %d] FAILED", 470);
+        return OBW_RESULT_TEMP_DIR_ERROR;
+    }
+    // At error priority, so that a log of errors alone shows when a capture began.
+    if (mShowPaths)
+        logError("kelOBWEngine::start  : create directory %s SUCCESS StartTimeChecking",
+                 tmpDirName);
+    else
+        logError("kelOBWEngine::start  : create directory [Line: %d] SUCCESS StartTimeChecking",
+                 476);
+    return OBW_RESULT_OK;
+}
+
+void TempDirectory::removeAtEnd(const TempDirRemover& remover) {
+    const char* separator = remover.separator;
+    if (differsFromLocalTmpDir(tmpDirName)) {
+        logError("kelOBWEngine::%s REMOVE_TEMP_DIR_AFTER_END, ERROR!!!!!!! invlaid path",
+                 remover.routine);
+        if (mShowPaths)
+            logError("kelOBWEngine::%s REMOVE_TEMP_DIR_AFTER_END, tmpDirName=%s", remover.routine,
+                     tmpDirName);
+        else
+            logError("kelOBWEngine::%s REMOVE_TEMP_DIR_AFTER_END, tmpDirName=[Line: %d]",
+                     remover.routine, remover.line);
+        take();
+        separator = " : ";
+    }
+    const bool removed = removeTempDir(tmpDirName, mShowPaths) == OBW_RESULT_OK;
+    logInfo("kelOBWEngine : %s%sremoveTempDir %s", remover.routine, separator,
+            removed ? "SUCCESS" : "FALIED!!");
+}
+
+}  // namespace orbitwalk

@@ -1,32 +1,23 @@
 #pragma once
 
-#include <pthread.h>
-
 #include <atomic>
-#include <cstdint>
-#include <cstdio>
-#include <memory>
-#include <mutex>
 
+#include "common/BuildType.h"
 #include "common/Stopwatch.h"
 #include "engine/EngineState.h"
 #include "engine/ListenerSlot.h"
-#include "engine/SweepSelection.h"
-#include "findTransform/ifindTransform.h"
-#include "frameproc/OBW_FrameProcessor.h"
+#include "engine/StartParameters.h"
+#include "engine/StateLock.h"
+#include "engine/Sweep.h"
+#include "engine/WorkingObjects.h"
 #include "orbitwalk/Engine.h"
-#include "stabilization/iVideoStabilization.h"
 
-class StateLockGuard;
-
-/// The one object behind the entry points: state machine, settings and working objects of a
-/// capture. Operations return an OBWResult and throw nothing once the instance exists.
+/// The one object behind the entry points: gives each operation its turn and asks the state whether
+/// it may. The work is done by the working objects and the sweep. Operations return an OBWResult
+/// and throw nothing once the instance exists.
 ///
-/// Locks, in the order in which they are taken:
-/// - stateLock: one operation at a time; stop leaves it locked for the post-processing thread.
-/// - objectsLock: the working objects and settings. A cancel or stop in the wrong state cleans up
-///   without stateLock, and must not meet another thread's call half-way.
-/// - finderLock: the finder alone, so that a measurement overlaps with the intake of a frame.
+/// The state lock is taken before the locks of the working objects. It is held by one operation at
+/// a time; stop hands it over to the post-processing thread.
 class kelOBWEngine {
   public:
     /// The instance, made at the first call.
@@ -47,7 +38,8 @@ class kelOBWEngine {
     int setFrameInfo(unsigned char* frame, float x, float y, float a);
     /// Takes neither lock nor notice of the state. @return 0 or 7.
     int computeTrajectory(unsigned char* frame, float* x, float* y, float* a);
-    /// On success, and when no thread can be created, stateLock stays locked. @return 0, 4, 5 or 7.
+    /// On success, and when no thread can be created, the state lock stays locked.
+    /// @return 0, 4, 5 or 7.
     int stop(int startFrame, int endFrame, const _ENCODING_FRAME_INFORMATION* frames, int count,
              OBWDirection direction);
     /// @return 0 or 4.
@@ -60,102 +52,32 @@ class kelOBWEngine {
     int getOBWInfoSize(int* size);
 
   private:
-    kelOBWEngine();
+    explicit kelOBWEngine(const orbitwalk::BuildType& buildType);
 
     int takeOverParameters(const _OBW_ENGINE_INIT_PARAM& param);
-    int takeOverDestinations();
-    void buildPaths();
+    int takeOverDestinations() REQUIRES(stateLock);
     int setUpCapture();
-    int createWorkingObjects();
-    void createRecord();
-    int renewTempDir();
-    void createFrameProcessor();
-    int createStabilizer();
-    int createFinder();
-
-    enum class HandOver { queued, nothingToQueue, refused };
-    HandOver handOver(unsigned char* frame);
-
-    int takeOverSweep(int startFrame, int endFrame, const _ENCODING_FRAME_INFORMATION* frames,
-                      int count, std::int32_t direction);
-    int sendSweep();
-    int sendTransform(const SweepTransform& transform);
-    int sendSingleFrame();
-    void insertTransformInfoInOBWMetaData(double dx, double dy, int frameIndex);
-    int startPostProcessing(StateLockGuard& hold, const orbitwalk::Stopwatch& stopTime);
-
+    int startPostProcessing(const orbitwalk::Stopwatch& stopTime);
     static void* onOBWEngineDoPostProcess(void* engine);
-    int doSmoothingAndFillMetadata(kelOBWEngine* engine);
-    void postProcess();
-    bool finishMP4();
-    void fillRecordHeader();
-    int failSmoothing();
-    int handOutRecord();
-    void freeAfterPostProcess();
-    void removeTempDirAfterPostProcess();
-    void failPostProcess();
-    void endPostProcess();
-    void notifyProgress(int percent);
-
-    void memCleanupForCancel();
-    void memCleanupForStopError();
-    void abortFrameProcessor();
-    void freeFinderForCancel();
-    void freeStabilizerForCancel();
-    void removeTempDirForCancel();
-    void removeTempDirForStopError();
-    void removeTempDirForDeinit();
-
-    void resetLocalVariables();
-    int removeTempDir(char* path);
-    void takeLocalTmpDir();
-    const char* loggablePath(const char* path, const char* otherwise) const;
-
-    struct DestroyStabilizer {
-        void operator()(iVideoStabilization* p) const { iVideoStabilization::Destroy(p); }
-    };
+    orbitwalk::PostProcessEnd postProcess();
 
     static std::atomic<kelOBWEngine*> pOBWEngine;
 
-    // Constant after construction.
-    bool isEngBuild = false;
+    // Each synchronises itself.
+    orbitwalk::EngineStatus mStatus;
+    orbitwalk::ListenerSlot mListener;
+    orbitwalk::WorkingObjects mObjects;
 
-    pthread_mutex_t stateLock = PTHREAD_MUTEX_INITIALIZER;
-    std::mutex objectsLock;
-    std::mutex finderLock;
-
-    // Changed under stateLock, but logged before it is taken.
-    std::atomic<std::int32_t> engineState = OBW_STATE_CREATED;
-    std::atomic<std::int32_t> totalNumFrames = 0;  ///< Frames handed over since the last start.
-    std::atomic<std::int32_t> numCapture = 0;      ///< Captures started.
-    std::atomic<std::int32_t> progress = 0;
-    // Set before any lock is taken.
-    std::atomic<bool> cancelCmdReceived = false;
-    orbitwalk::ListenerSlot mListener;  ///< Synchronises itself.
-
-    // Guarded by stateLock.
-    pthread_t mPostProcThread = 0;
-    std::int32_t frameWidth = 0;
-    std::int32_t frameHeight = 0;
-    _OBW_ENGINE_INIT_PARAM mInitParam{};
-    std::FILE* fpMP4 = nullptr;
-    void* pCallerMetaInfo = nullptr;
-    std::int32_t metaInfoSize = 0;
-    std::int32_t mStabParam[4] = {};  ///< Crop margins for the stabiliser, always 0.
-    std::int32_t startFrmIndex = 0;
-    std::int32_t endFrmIndex = 0;
-    std::int32_t encodedFrameNum = 0;
-
-    // Guarded by objectsLock.
-    char mp4FileName[256] = {};
-    char tmpDirName[512] = {};
-    std::int32_t captureDirection = OBW_DIRECTION_LEFT2RIGHT;
-    std::int32_t orientation = 0;
-    std::unique_ptr<OBW_FrameProcessor> frameProcessor;
-    std::unique_ptr<iVideoStabilization, DestroyStabilizer> p_mVideoStabilizer;
-    std::unique_ptr<__kelOBWKDXMetaData> pOBWKDXMetaInfo;  ///< The working record.
-    std::unique_ptr<_ENCODING_FRAME_INFORMATION[]> pFrameInfo;
-
-    // Guarded by finderLock.
-    std::unique_ptr<ifindTransform> p_mFindTransform;
+    orbitwalk::StateLock stateLock;
+    orbitwalk::CaptureSettings mSettings GUARDED_BY(stateLock);
+    orbitwalk::Sweep mSweep GUARDED_BY(stateLock);
 };
+
+namespace orbitwalk {
+
+// Every operation of the engine opens with a line that names these.
+inline constexpr char kEngineVersion[] = "OBW_ENGINE_V_0.31_20_06_2016";
+inline constexpr char kEngineDate[] = "Jun 20 2016";
+inline constexpr char kEngineTime[] = "18:20:57";
+
+}  // namespace orbitwalk

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/ResultCodes.h"
+#include "engine/EngineState.h"
 #include "engine/kelOBWEngine.h"
 #include "support/FakeMP4Writer.h"
 #include "support/FakePlatform.h"

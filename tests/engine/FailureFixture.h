@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "engine/FailureInjection.h"
-#include "engine/ResultCodes.h"
+#include "engine/EngineState.h"
 
 /// Allocates nothing while the engine works.
 class CountingListener : public OBWEngineListener {

@@ -20,6 +20,7 @@ constinit std::atomic<bool> failed = false;
 constinit std::atomic<bool> threadCreationFails = false;
 constinit std::atomic<bool> gateOpen = true;
 constinit std::atomic<int> loggedState = 0;
+constinit std::atomic<int> loggedCauses = 0;
 
 void* allocate(std::size_t size, std::size_t alignment) {
     // OpenCV loses a matrix's pixels when the allocation of their header fails, so it never does.
@@ -95,6 +96,8 @@ int __android_log_print(int, const char*, const char* format, ...) {
         loggedState = va_arg(values, int);
         va_end(values);
     }
+    if (std::strcmp(format, "%s : cause: %s") == 0)
+        ++loggedCauses;
     return 1;
 }
 
@@ -120,12 +123,17 @@ namespace failure {
 
 void failAllocation(long n) {
     failed = false;
+    loggedCauses = 0;
     allocationsToGo = n;
 }
 
 bool allocationFailed() {
     allocationsToGo = 0;
     return failed;
+}
+
+int causes() {
+    return loggedCauses;
 }
 
 void setThreadCreationFails(bool fails) {

@@ -10,6 +10,8 @@ namespace failure {
 void failAllocation(long n);
 /// Ends this. @return whether that allocation was reached.
 bool allocationFailed();
+/// How often the log has said since then what an exception was.
+int causes();
 /// Whether pthread_create fails in the program's own code.
 void setThreadCreationFails(bool fails);
 

@@ -64,6 +64,8 @@ TEST_F(EngineTest, AListenerThatThrowsDoesNotStopTheWork) {
     beginCapture(2);
     EXPECT_EQ(listener.awaitAll(), std::vector{100});
     EXPECT_EQ(record.numFrames, 2);
+    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::onOBWEngineDoPostProcess : cause: listener"),
+              6);
 }
 
 TEST_F(EngineTest, OtherCallsWaitUntilPostProcessingHasEnded) {

@@ -6,6 +6,8 @@
 
 namespace {
 
+using namespace orbitwalk;
+
 /// Frame i stands at (10 + i, 20 - i, i / 8), exactly representable.
 SweepSelection select(const std::vector<int>& flags, int first, int last) {
     std::vector<_ENCODING_FRAME_INFORMATION> frames;

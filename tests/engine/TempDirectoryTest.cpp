@@ -12,6 +12,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using orbitwalk::removeTempDir;
 
 class TempDirectoryTest : public testing::Test {
   protected:
@@ -148,11 +149,11 @@ TEST(LocalTmpDir, MayFillItsBufferToTheLastByte) {
     const std::string before(localTmpDir);
     std::fill(std::begin(localTmpDir), std::end(localTmpDir), 'x');
     char copy[512];
-    copyLocalTmpDir(copy);
+    orbitwalk::copyLocalTmpDir(copy);
     EXPECT_EQ(std::string(copy), std::string(200, 'x'));
-    EXPECT_FALSE(differsFromLocalTmpDir(copy));
+    EXPECT_FALSE(orbitwalk::differsFromLocalTmpDir(copy));
     copy[199] = '\0';
-    EXPECT_TRUE(differsFromLocalTmpDir(copy));
+    EXPECT_TRUE(orbitwalk::differsFromLocalTmpDir(copy));
     before.copy(localTmpDir, before.size());
     localTmpDir[before.size()] = '\0';
 }

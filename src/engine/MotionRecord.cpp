@@ -1,13 +1,16 @@
-#include <algorithm>
-#include <cstdint>
+#include "engine/MotionRecord.h"
 
+#include <algorithm>
+
+#include "common/FixedPoint.h"
 #include "common/Log.h"
-#include "orbitwalk/MetaData.h"
+#include "engine/StartParameters.h"
 
 namespace {
 
 constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 constexpr int kMatrixWords = 9;
+constexpr std::int32_t kFrontCamera = 1;
 
 void printMatrices(const std::int32_t (*matrices)[kMatrixWords], int count) {
     for (int i = 0; i < count; ++i) {
@@ -64,6 +67,59 @@ void negateFirstColumn(std::int32_t* matrix, std::int64_t rows, std::int64_t col
 }
 
 }  // namespace
+
+namespace orbitwalk {
+
+std::unique_ptr<__kelOBWKDXMetaData> beginRecord(const _OBW_ENGINE_INIT_PARAM& param) {
+    auto record = std::make_unique<__kelOBWKDXMetaData>();
+    record->width = param.imageWidth;
+    record->height = param.imageHeight;
+    record->cameraType = kFrontCamera;
+    record->frontCameraFlipped = 0;
+    record->captureDirection = OBW_DIRECTION_LEFT2RIGHT;
+    record->maxFrames = OBW_MAX_FRAMES;
+    record->orientation = recordedOrientation(param.orientation);
+    logInfo("kelOBWEngine::start :  Orientation changed from %d to %d ", param.orientation,
+            record->orientation);
+    logInfo("kelOBWEngine::start :  Orientation = %d FrontCamFlipped = %d ", record->orientation,
+            frontCamFlipped(param));
+    return record;
+}
+
+void insertTransformInfoInOBWMetaData(__kelOBWKDXMetaData& record, std::int32_t orientation,
+                                      double dx, double dy, int frameIndex) {
+    const std::int32_t direction = record.captureDirection;
+    const bool alongX = sweepAxis(orientation, direction) == SweepAxis::x;
+    const double displacement = alongX ? dx : dy;
+    const std::int32_t scaled = toFixedPoint(displacement);
+    record.scaledInputTransform[frameIndex] = scaled;
+    logInfo(
+        "insertTransformInfoInOBWMetaData : store %s =%f, %d, orientation=%d, cameraDirection=%d",
+        alongX ? "dx" : "dy", displacement, scaled, orientation, direction);
+}
+
+void fillHeader(__kelOBWKDXMetaData& record, const _OBW_ENGINE_INIT_PARAM& param,
+                std::int32_t numFrames, RenderRange range, std::int32_t orientation) {
+    record.numFrames = numFrames;
+    if (!isValidRange(range, numFrames)) {
+        logInfo("Start and End Indices are invalid [%d %d]. Setting to defaults ", range.start,
+                range.end);
+        range = {0, numFrames};
+    }
+    record.startIndex = range.start;
+    record.endIndex = range.end;
+    logInfo(
+        "kelOBWEngine::doSmoothingAndFillMetadata : StartIndx = %d EndIndx = %d NumFrames = %d ",
+        record.startIndex, record.endIndex, record.numFrames);
+    record.frontCameraFlipped = frontCamFlipped(param);
+    logInfo("kelOBWEngine::doSmoothingAndFillMetadata :  flipped=%d, orientation=%d ",
+            record.frontCameraFlipped, orientation);
+    if (record.frontCameraFlipped != 0)
+        logInfo(
+            "kelOBWEngine::doSmoothingAndFillMetadata : flip matrix for front camera flip mode");
+}
+
+}  // namespace orbitwalk
 
 void printOBWMetaInfo(__kelOBWKDXMetaData* record) {
     if (record == nullptr)

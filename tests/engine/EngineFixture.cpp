@@ -1,7 +1,7 @@
 #include "engine/EngineFixture.h"
 
+#include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 
 void RecordingListener::onProgress(int status, int percent) {
@@ -29,24 +29,18 @@ void RecordingListener::forget() {
     mPercents.clear();
 }
 
-EngineTest::EngineTest() : root(testing::TempDir() + "orbitwalk.XXXXXX"), stream(std::tmpfile()) {
-    EXPECT_NE(mkdtemp(root.data()), nullptr);
-    tempDir = root + "/work";
-    std::snprintf(localTmpDir, sizeof localTmpDir, "%s/", tempDir.c_str());
+EngineTest::EngineTest() {
     fake_platform::setBuildType("user");
     fake_platform::clearLog();
     fake_writer::reset();
     std::memset(&record, 0xee, sizeof record);
-    param = {kWidth, kHeight, 17, stream, &record, false, 0};
 }
 
-EngineTest::~EngineTest() {
+void EngineTest::TearDown() {
     fake_writer::openGate();
-    deinitOrbitwalkEngine();
-    EXPECT_FALSE(tempDirExists());
+    CaptureFixture::TearDown();
+    fake_platform::whenLogged({});
     EXPECT_EQ(fake_writer::record().misuses, 0);
-    std::fclose(stream);
-    std::filesystem::remove_all(root);
 }
 
 int EngineTest::state() {
@@ -61,14 +55,9 @@ int EngineTest::state() {
 
 int EngineTest::feed(int count) {
     for (int i = 0; i < count; ++i)
-        if (const int result = engine().setFrameInfo(frame.data(), 0, 0, 0); result != 0)
+        if (const int result = setFrame(); result != 0)
             return result;
     return OBW_RESULT_OK;
-}
-
-int EngineTest::stop(int first, int last, std::vector<_ENCODING_FRAME_INFORMATION> frames,
-                     OBWDirection direction) {
-    return engine().stop(first, last, frames.data(), static_cast<int>(frames.size()), direction);
 }
 
 void EngineTest::initAndStart() {
@@ -86,9 +75,27 @@ void EngineTest::beginCapture(int frames) {
     feedAndStop(frames);
 }
 
+void EngineTest::at(const std::string& line, const std::function<void()>& action) {
+    fake_platform::whenLogged([=](const fake_platform::LogLine& logged) {
+        if (logged.text.starts_with(line))
+            action();
+    });
+}
+
 std::vector<_ENCODING_FRAME_INFORMATION> framesWithFlags(const std::vector<int>& flags) {
     std::vector<_ENCODING_FRAME_INFORMATION> frames;
     for (const int flag : flags)
         frames.push_back({0, 0, 0, flag, 0, 0});
     return frames;
+}
+
+void expectInOrder(const std::vector<std::string>& expected) {
+    const auto lines = fake_platform::logTexts();
+    auto line = lines.begin();
+    for (const std::string& text : expected) {
+        line = std::find_if(line, lines.end(),
+                            [&](const std::string& said) { return said.starts_with(text); });
+        ASSERT_NE(line, lines.end()) << "missing or out of order: " << text;
+        ++line;
+    }
 }

@@ -1,5 +1,6 @@
 #include "engine/FailureFixture.h"
 
+#include <array>
 #include <chrono>
 #include <future>
 
@@ -8,22 +9,21 @@ namespace {
 /// A capture in which the n-th allocation fails, through the entry points. @return whether it had
 /// so many.
 bool captureWithFailure(FailureTest& test, long n) {
-    _ENCODING_FRAME_INFORMATION frames[] = {
-        {0, 0, 0, 1, 0, 0}, {1, 0, 0, 1, 0, 0}, {2, 0, 0, 1, 0, 0}};
+    auto frames = std::to_array(FailureTest::kFrames);
     failure::failAllocation(n);
     int succeeded = initOrbitwalkEngine(&test.listener) == 1;
     succeeded += startOrbitwalkEngine(&test.param) == 1;
     for (int i = 0; i < 3; ++i) {
         float x, y, a;
-        getTrajectory(test.picture.data(), &x, &y, &a);
-        succeeded += provideFrameandTrajectory(test.picture.data(), x, y, a) == 1;
+        getTrajectory(test.frame.data(), &x, &y, &a);
+        succeeded += provideFrameandTrajectory(test.frame.data(), x, y, a) == 1;
     }
-    succeeded += stopOrbitwalkEngine(0, 2, frames, 3, OBW_DIRECTION_LEFT2RIGHT) == 1;
+    succeeded += stopOrbitwalkEngine(0, 2, frames.data(), 3, OBW_DIRECTION_LEFT2RIGHT) == 1;
     // Waits for post-processing.
-    succeeded += provideFrameandTrajectory(test.picture.data(), 0, 0, 0) == -1;
+    succeeded += provideFrameandTrajectory(test.frame.data(), 0, 0, 0) == -1;
     const bool reached = failure::allocationFailed();
     EXPECT_EQ(deinitOrbitwalkEngine(), 1);
-    EXPECT_FALSE(std::filesystem::exists(localTmpDir)) << n;
+    EXPECT_FALSE(test.tempDirExists()) << n;
     if (!reached) {
         EXPECT_EQ(succeeded, 7);
     }
@@ -59,7 +59,7 @@ TEST_F(FailureTest, AFailedStartLeavesTheEngineIdleAndTheNextOneSucceeds) {
             EXPECT_EQ(failure::causes(), 1) << n;
         }
         ASSERT_EQ(start(), 0) << n;
-        ASSERT_EQ(frame(), 0) << n;
+        ASSERT_EQ(setFrame(), 0) << n;
         ASSERT_EQ(stop(), 0) << n;
         listener.await(100);
         listener.mLast = 0;
@@ -72,11 +72,11 @@ TEST_F(FailureDeathTest, WithoutAThreadForPostProcessingTheEngineStaysBlocked) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            const bool begun = init() == 0 && start() == 0 && frame() == 0;
+            const bool begun = init() == 0 && start() == 0 && setFrame() == 0;
             failure::setThreadCreationFails(true);
             const bool refused = stop() == OBW_RESULT_FAIL && failure::stateOf(engine()) == 5;
             failure::setThreadCreationFails(false);
-            auto blocked = std::async(std::launch::async, [this] { return frame(); });
+            auto blocked = std::async(std::launch::async, [this] { return setFrame(); });
             const bool waits =
                 blocked.wait_for(std::chrono::milliseconds(200)) == std::future_status::timeout;
             std::_Exit(begun && refused && waits ? 42 : 1);

@@ -29,17 +29,16 @@ TEST_F(EngineTest, AFailedMP4EndsWithoutProgressAndAllowsTheNextStart) {
         fake_writer::setEncodeResult(0);
         beginCapture(3);
         awaitPostProcessing();
-        EXPECT_THAT(listener.percents(), IsEmpty());
         EXPECT_EQ(state(), 7);
     }
-    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::onOBWEngineDoPostProcess : "
-                                      "ResizeFrameProcessor->stop FAILED "),
-              2);
     fake_writer::reset();
     ASSERT_EQ(start(), OBW_RESULT_OK);
     ASSERT_EQ(stop(0, 0, framesWithFlags({1})), OBW_RESULT_OK);
     awaitPostProcessing();
     EXPECT_THAT(listener.percents(), IsEmpty()) << "a recording without frames fails as well";
+    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::onOBWEngineDoPostProcess : "
+                                      "ResizeFrameProcessor->stop FAILED "),
+              3);
     beginCapture(3);
     EXPECT_EQ(listener.awaitAll(), kAllProgress);
 }
@@ -70,83 +69,56 @@ TEST_F(EngineTest, AListenerThatThrowsDoesNotStopTheWork) {
 
 TEST_F(EngineTest, OtherCallsWaitUntilPostProcessingHasEnded) {
     const struct {
-        const char* name;
-        int (*call)(kelOBWEngine&);
         const char* before;  ///< Said before the lock is taken.
+        std::function<int()> call;
     } cases[] = {
-        {"stop",
-         [](kelOBWEngine& engine) {
-             auto frames = framesWithFlags({1});
-             return engine.stop(0, 0, frames.data(), 1, OBW_DIRECTION_LEFT2RIGHT);
-         },
-         "kelOBWEngine::stop STOP_NON_BLOCKING : stateLock-lock : engineState=5, "},
-        {"cancel", [](kelOBWEngine& engine) { return engine.cancel(); },
-         "kelOBWEngine::cancel : stateLock-lock : engineState=5"},
-        {"frame",
-         [](kelOBWEngine& engine) {
-             unsigned char byte = 0;
-             return engine.setFrameInfo(&byte, 0, 0, 0);
-         },
-         "kelOBWEngine::setFrameInfo : stateLock-lock : totalNumFrames=2, engineState=5, "},
+        {"kelOBWEngine::stop STOP_NON_BLOCKING : stateLock-lock : engineState=5, ",
+         [&] { return stop(0, 0, framesWithFlags({1})); }},
+        {"kelOBWEngine::cancel : stateLock-lock : engineState=5",
+         [&] { return engine().cancel(); }},
+        {"kelOBWEngine::setFrameInfo : stateLock-lock : totalNumFrames=2, engineState=5, ",
+         [&] { return setFrame(); }},
     };
-    for (const auto& c : cases) {
+    for (const auto& [before, call] : cases) {
+        at(before, [&] {
+            EXPECT_THAT(listener.percents(), IsEmpty());
+            fake_writer::openGate();
+        });
         fake_writer::closeGate();
         listener.forget();
         beginCapture(2);
-        fake_platform::clearLog();
-        auto waiting = std::async(std::launch::async, [&] { return c.call(engine()); });
-        while (fake_platform::countLogPrefix(c.before) == 0)
-            std::this_thread::yield();
-        EXPECT_THAT(listener.percents(), IsEmpty());
-        fake_writer::openGate();
-        EXPECT_EQ(waiting.get(), OBW_RESULT_INVALID_STATE) << c.name;
-        EXPECT_EQ(listener.awaitAll(), kAllProgress) << c.name;
+        EXPECT_EQ(call(), OBW_RESULT_INVALID_STATE) << before;
+        EXPECT_THAT(listener.percents(), testing::Contains(90)) << "did not wait: " << before;
+        EXPECT_EQ(listener.awaitAll(), kAllProgress) << before;
         EXPECT_FALSE(tempDirExists());
     }
 }
 
 TEST_F(EngineTest, DeinitWaitsForTheListenersLastCall) {
-    std::promise<void> entered, release;
     std::atomic<bool> returned = false;
     listener.hook = [&](int percent) {
         if (percent == 100) {
-            entered.set_value();
-            release.get_future().wait();
+            EXPECT_TRUE(fake_platform::waitForLog("kelOBWEngine::ResetInstance -- enter"));
             returned = true;
         }
     };
     beginCapture(2);
-    entered.get_future().wait();
-    auto waiting = std::async(std::launch::async, [&] {
-        EXPECT_EQ(deinitOrbitwalkEngine(), 1);
-        EXPECT_TRUE(returned);
-    });
-    while (fake_platform::countLogPrefix("kelOBWEngine::ResetInstance -- enter") == 0)
-        std::this_thread::yield();
-    release.set_value();
-    waiting.get();
+    EXPECT_EQ(deinitOrbitwalkEngine(), 1);
+    EXPECT_TRUE(returned);
 }
 
 // The window between giving the lock back and the call at 100 is held open by the line said in it.
 TEST_F(EngineTest, AReplacedListenerIsNeverCalledAgain) {
     auto former = std::make_unique<RecordingListener>();
-    ASSERT_EQ(engine().init(0, 0, former.get()), OBW_RESULT_OK);
-    std::promise<void> inWindow, replaced;
-    fake_platform::whenLogged([&](const fake_platform::LogLine& line) {
-        if (line.text == "kelOBWEngine::onOBWEngineDoPostProcess : stateLock-unlock DONE") {
-            inWindow.set_value();
-            replaced.get_future().wait();
-        }
+    at("kelOBWEngine::onOBWEngineDoPostProcess : stateLock-unlock DONE", [&] {
+        EXPECT_EQ(init(), OBW_RESULT_OK);
+        EXPECT_EQ(former->percents(), (std::vector{15, 30, 45, 60, 75, 90}));
+        former.reset();
     });
+    ASSERT_EQ(engine().init(0, 0, former.get()), OBW_RESULT_OK);
     ASSERT_EQ(start(), OBW_RESULT_OK);
     feedAndStop(2);
-    inWindow.get_future().wait();
-    EXPECT_EQ(init(), OBW_RESULT_OK);
-    EXPECT_EQ(former->percents(), (std::vector{15, 30, 45, 60, 75, 90}));
-    former.reset();
-    replaced.set_value();
     EXPECT_EQ(listener.awaitAll(), std::vector{100});
-    fake_platform::whenLogged({});
 }
 
 // The call at 100 of one capture may still be under way when the next one's begins and ends.

@@ -1,6 +1,3 @@
-#include <filesystem>
-#include <fstream>
-
 #include "engine/EngineFixture.h"
 
 namespace {
@@ -13,52 +10,38 @@ TEST_F(EngineTest, StartRefusesBadSizesBeforeAnythingChanges) {
          {std::pair{0, 48}, {64, 0}, {3, 48}, {64, -1}, {32768, 48}}) {
         param.imageWidth = width;
         param.imageHeight = height;
-        fake_platform::clearLog();
         EXPECT_EQ(start(), OBW_RESULT_INVALID_PARAM);
-        EXPECT_EQ(
-            fake_platform::countLog("kelOBWEngine::start : ERROR! Invalid Params: " +
-                                    std::to_string(width) + "x" + std::to_string(height) + " \n"),
-            1);
+        expectInOrder({"kelOBWEngine::start : ERROR! Invalid Params: " + std::to_string(width) +
+                       "x" + std::to_string(height) + " \n"});
         EXPECT_EQ(state(), 9);
     }
     EXPECT_FALSE(tempDirExists());
 }
 
-TEST_F(EngineTest, AStartWithoutARecordBlocksFurtherOnesUntilInit) {
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    _OBW_ENGINE_INIT_PARAM bad = param;
-    bad.pWideReelInfo = nullptr;
-    EXPECT_EQ(engine().start(&bad), OBW_RESULT_INVALID_PARAM);
-    EXPECT_EQ(state(), 1);
-    EXPECT_EQ(start(), OBW_RESULT_INVALID_STATE);
-    ASSERT_EQ(init(), OBW_RESULT_OK);
-    EXPECT_EQ(start(), OBW_RESULT_OK);
-}
-
 TEST_F(EngineTest, AStartWithoutATemporaryDirectoryLeavesTheEngineIdle) {
     ASSERT_EQ(init(), OBW_RESULT_OK);
-    const std::string good(localTmpDir);
-    std::snprintf(localTmpDir, sizeof localTmpDir, "%s/missing/work/", root.c_str());
-    EXPECT_EQ(start(), OBW_RESULT_TEMP_DIR_ERROR);
-    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::start  : MKDIR FAILED"), 1);
-    EXPECT_EQ(state(), 9);
-
-    std::snprintf(localTmpDir, sizeof localTmpDir, "%s/link/", root.c_str());
-    fs::create_directory_symlink(root, root + "/link");
-    EXPECT_EQ(start(), OBW_RESULT_TEMP_DIR_ERROR);
-    EXPECT_EQ(fake_platform::countLog("kelOBWEngine : start : removeTempDir FALIED retrun"), 1);
-    EXPECT_EQ(state(), 9);
+    fs::create_directory_symlink(directory / "", directory / "link");
+    const struct {
+        const char* tempDir;
+        const char* line;
+    } cases[] = {{"missing/work", "kelOBWEngine::start  : MKDIR FAILED"},
+                 {"link", "kelOBWEngine : start : removeTempDir FALIED retrun"}};
+    for (const auto& [tempDir, line] : cases) {
+        moveTempDirTo(tempDir);
+        EXPECT_EQ(start(), OBW_RESULT_TEMP_DIR_ERROR);
+        expectInOrder({line});
+        EXPECT_EQ(state(), 9);
+    }
     EXPECT_EQ(fake_writer::record().inits.size(), 0u);
-
-    std::snprintf(localTmpDir, sizeof localTmpDir, "%s", good.c_str());
+    moveTempDirTo("work");
     EXPECT_EQ(start(), OBW_RESULT_OK);
 }
 
 TEST_F(EngineTest, StartClearsWhatAnEarlierCaptureLeftInTheTemporaryDirectory) {
-    fs::create_directories(tempDir / "RW_LIB");
-    std::ofstream(tempDir / "RW_LIB" / "leftover") << "x";
+    fs::create_directories(directory / "work/RW_LIB");
+    test_support::writeFile(directory / "work/RW_LIB/leftover", "x");
     initAndStart();
-    EXPECT_TRUE(fs::is_empty(tempDir));
+    EXPECT_TRUE(fs::is_empty(localTmpDir));
 }
 
 TEST_F(EngineTest, ASecondStartBeginsAnew) {
@@ -85,7 +68,7 @@ TEST_F(EngineTest, PathsStayOutOfTheLogUnlessTheBuildIsAnEngineeringOne) {
         deinitOrbitwalkEngine();
         int lines = 0;
         for (const std::string& text : fake_platform::logTexts("ORBITWALK_ENGINE"))
-            lines += text.find(root) != std::string::npos;
+            lines += text.find(localTmpDir) != std::string::npos;
         EXPECT_EQ(lines > 0, engineering) << lines;
     }
 }

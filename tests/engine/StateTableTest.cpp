@@ -3,7 +3,17 @@
 namespace {
 
 /// The ways into a state that outlasts a call.
-enum class Way { created, idle, started, noStream, frameLost, stopFailed, done, cancelled };
+enum class Way {
+    created,
+    idle,
+    started,
+    noStream,
+    noRecord,
+    frameLost,
+    stopFailed,
+    done,
+    cancelled
+};
 
 struct Cell {
     int result;
@@ -23,6 +33,7 @@ constexpr Row kTable[] = {
     {"idle", Way::idle, 9, {0, 9}, {0, 9}, {7, 9}, {7, 9}, {0, 7}, {0, 9}, {7, 9}},
     {"started", Way::started, 9, {0, 9}, {0, 9}, {0, 9}, {0, 7}, {0, 7}, {0, 9}, {0, 9}},
     {"no stream", Way::noStream, 1, {0, 9}, {4, 1}, {4, 1}, {4, 1}, {4, 1}, {0, 1}, {7, 1}},
+    {"no record", Way::noRecord, 1, {0, 9}, {4, 1}, {4, 1}, {4, 1}, {4, 1}, {0, 1}, {7, 1}},
     {"frame lost", Way::frameLost, 3, {0, 9}, {4, 3}, {4, 3}, {4, 3}, {4, 3}, {0, 3}, {0, 3}},
     {"stop failed", Way::stopFailed, 5, {0, 9}, {4, 5}, {4, 5}, {4, 5}, {4, 5}, {0, 5}, {0, 5}},
     {"done", Way::done, 7, {0, 9}, {0, 9}, {4, 7}, {4, 7}, {4, 7}, {0, 7}, {7, 7}},
@@ -36,7 +47,7 @@ class StateTableTest : public FailureTest {
         int result = 0;
         while (result == 0) {
             failure::failAllocation(1);
-            result = frame();
+            result = setFrame();
             failure::allocationFailed();
         }
         failure::setGateOpen(true);
@@ -49,14 +60,17 @@ class StateTableTest : public FailureTest {
         ASSERT_EQ(init(), 0);
         if (way == Way::idle)
             return;
-        if (way == Way::noStream) {
+        if (way == Way::noStream || way == Way::noRecord) {
             _OBW_ENGINE_INIT_PARAM bad = param;
-            bad.fpMP4 = nullptr;
+            if (way == Way::noStream)
+                bad.fpMP4 = nullptr;
+            else
+                bad.pWideReelInfo = nullptr;
             ASSERT_EQ(engine().start(&bad), OBW_RESULT_INVALID_PARAM);
             return;
         }
         ASSERT_EQ(start(), 0);
-        ASSERT_EQ(frame(), 0) << "a recording without frames fails";
+        ASSERT_EQ(setFrame(), 0) << "a recording without frames fails";
         if (way == Way::frameLost)
             loseAFrame();
         if (way == Way::stopFailed) {
@@ -85,7 +99,7 @@ class StateTableTest : public FailureTest {
         EXPECT_EQ(engine().deinit(), 0);
         EXPECT_EQ(failure::stateOf(engine()), 9);
         kelOBWEngine::ResetInstance();
-        EXPECT_FALSE(std::filesystem::exists(localTmpDir));
+        EXPECT_FALSE(tempDirExists());
     }
 };
 
@@ -93,7 +107,7 @@ TEST_F(StateTableTest, EveryCallInEveryStateGivesItsResultAndState) {
     for (const Row& row : kTable) {
         check(row, "init", row.init, [](StateTableTest& t) { return t.init(); });
         check(row, "start", row.start, [](StateTableTest& t) { return t.start(); });
-        check(row, "frame", row.frame, [](StateTableTest& t) { return t.frame(); });
+        check(row, "frame", row.frame, [](StateTableTest& t) { return t.setFrame(); });
         check(row, "stop", row.stop, [](StateTableTest& t) { return t.stop(); });
         check(row, "cancel", row.cancel, [](StateTableTest& t) { return t.engine().cancel(); });
         check(row, "reset", row.reset, [](StateTableTest& t) { return t.engine().reset(); });

@@ -87,7 +87,7 @@ void clearLog() {
 
 bool waitForLog(std::string_view text) {
     const auto alarm = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (countLog(text) == 0) {
+    while (countLogPrefix(text) == 0) {
         if (std::chrono::steady_clock::now() > alarm)
             return false;
         std::this_thread::yield();

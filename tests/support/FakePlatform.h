@@ -33,7 +33,8 @@ void clearLog();
 /// one ends that. Set while nothing logs.
 void whenLogged(std::function<void(const LogLine&)> listener);
 
-/// Waits until a line with this text has been logged, a minute at most. @return whether it came.
+/// Waits until a line that begins with this text has been logged, a minute at most.
+/// @return whether it came.
 bool waitForLog(std::string_view text);
 
 }  // namespace fake_platform

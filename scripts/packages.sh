@@ -10,7 +10,7 @@ packages_build=(
 )
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)
-packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium)
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium ffmpeg)
 packages_clang=(clang libclang-rt-14-dev)
 
 # is_there NAME: the package is installed, or the command npm for the package of that name: Node.js from another

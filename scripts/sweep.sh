@@ -34,10 +34,11 @@ if [ -z "$video" ]; then
         -o "$video" --truth out/truth.csv
 fi
 "$tool" capture "$video" -o out/sweep
+"$tool" player out/sweep -o out/sweep/sweep.html
 
 cat <<END
 
-The tool is $tool. Next:
+out/sweep/sweep.html plays the sweep in a browser. The tool is $tool. Next:
   $tool render out/sweep -o out/steady.mp4
   $tool report out/sweep -o out/report.html
   $tool evaluate out/sweep

@@ -94,6 +94,7 @@ int main(int argc, char** argv) {
         orbitwalk::tool::addInspectCommand(app);
         orbitwalk::tool::addEvaluateCommand(app);
         orbitwalk::tool::addRenderCommand(app);
+        orbitwalk::tool::addPlayerCommand(app);
         orbitwalk::tool::addReportCommand(app);
         orbitwalk::tool::addRefineCommand(app);
         return run(app, argc, argv);

@@ -3,7 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "report/Base64.h"
+#include "files/PageText.h"
 #include "report/ReportJson.h"
 #include "report/ReportPage.h"
 #include "support/SampleRecord.h"

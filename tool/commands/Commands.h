@@ -14,6 +14,7 @@ void addCaptureCommand(CLI::App& app);
 void addInspectCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
 void addRenderCommand(CLI::App& app);
+void addPlayerCommand(CLI::App& app);
 void addReportCommand(CLI::App& app);
 void addRefineCommand(CLI::App& app);
 

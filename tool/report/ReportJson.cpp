@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "report/Base64.h"
+#include "files/PageText.h"
 #include "sweep/SmoothedPath.h"
 
 namespace orbitwalk::tool {

@@ -1,0 +1,6 @@
+import {OrbitwalkPlayer} from "./element.js";
+
+export {OrbitwalkPlayer};
+
+if (!customElements.get("orbitwalk-player"))
+    customElements.define("orbitwalk-player", OrbitwalkPlayer);

@@ -1,0 +1,44 @@
+// The page that `orbitwalk player` writes: opened as a file, it plays and asks for nothing.
+import assert from "node:assert/strict";
+import {execFile} from "node:child_process";
+import {join} from "node:path";
+import {promisify} from "node:util";
+import {withoutWebCodecs} from "./pictures.js";
+import {makeSweep} from "./sweeps.js";
+
+const run = promisify(execFile);
+
+/** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
+export async function testPages(harness, t) {
+    const {record} = await makeSweep(harness.work, "page", {frames: 10});
+    const directory = join(harness.work, "page");
+    const file = join(harness.work, "page.html");
+    await run(process.env.ORBITWALK_TOOL, ["player", directory, "-q", "-o", file]);
+
+    for (const [name, before] of [["WebCodecs", () => {}], ["a video element", withoutWebCodecs]])
+        await t.test(`one file plays with ${name} and asks for nothing`, async () => {
+            const context = await harness.browser.newContext();
+            const page = await context.newPage();
+            const requests = [], unhandled = [];
+            page.on("request", request => requests.push(request.url().split(":")[0]));
+            page.on("pageerror", error => unhandled.push(String(error)));
+            page.on("console", message => message.type() === "error" && unhandled.push(message.text()));
+            await page.addInitScript(before);
+            await page.goto(`file://${file}`);
+            const shown = await page.evaluate(async () => {
+                const player = document.getElementById("player");
+                const {width, data} = await player.pictureAt(4);
+                await player.play();
+                await new Promise(resolve => player.addEventListener("framechange", ({detail}) => detail.frame > 2 && resolve(null)));
+                player.pause();
+                return {count: player.frameCount, width, isDrawn: data.some(value => value > 0 && value < 255)};
+            });
+            assert.deepEqual(shown, {count: record.renderedFrames.length, width: record.width, isDrawn: true});
+            assert.deepEqual(requests.filter(scheme => !["file", "blob", "data"].includes(scheme)), []);
+            assert.equal(requests.filter(scheme => scheme === "file").length, 1);
+            // The policy would stop what a changed page asked for.
+            await page.evaluate(() => fetch("http://127.0.0.1:9/").catch(() => {}));
+            assert.ok(unhandled.every(text => text.includes("Content Security Policy")) && unhandled.length > 0, `${unhandled}`);
+            await context.close();
+        });
+}

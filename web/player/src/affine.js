@@ -42,5 +42,19 @@ export const translation = (x, y) => ({xx: 1, xy: 0, x0: x, yx: 0, yy: 1, y0: y}
 export const enlargement = (factorX, factorY) =>
     ({xx: factorX, xy: 0, x0: (factorX - 1) / 2, yx: 0, yy: factorY, y0: (factorY - 1) / 2});
 
+/**
+ * Where a picture that is turned clockwise takes its pixels from. @param {0 | 90 | 270} degrees
+ * @param {number} width   of the turned picture
+ * @param {number} height
+ * @returns {Affine}
+ */
+export function unturned(degrees, width, height) {
+    if (degrees === 90)
+        return {xx: 0, xy: 1, x0: 0, yx: -1, yy: 0, y0: width - 1};
+    if (degrees === 270)
+        return {xx: 0, xy: -1, x0: height - 1, yx: 1, yy: 0, y0: 0};
+    return translation(0, 0);
+}
+
 /** Left to right, within columns 0 to width - 1. @param {number} width @returns {Affine} */
 export const mirror = width => ({xx: -1, xy: 0, x0: width - 1, yx: 0, yy: 1, y0: 0});

@@ -4,7 +4,7 @@ import {FrameStore} from "./frameStore.js";
 import {GlPainter} from "./glPainter.js";
 import {LookAround} from "./lookAround.js";
 import {Playback} from "./playback.js";
-import {frameFromCanvas, playlist} from "./playlist.js";
+import {frameFromCanvas, playlist, shownSize} from "./playlist.js";
 import {style} from "./style.js";
 import {openSweep} from "./sweep.js";
 import {SweepPath} from "./sweepPath.js";
@@ -241,7 +241,7 @@ export class OrbitwalkPlayer extends HTMLElement {
         this.#look = new LookAround(canvas, {
             path: () => this.#loaded?.path ?? null,
             current: () => this.#frame,
-            pixelsPerCss: () => (this.#loaded?.sweep.record.crop.width ?? 0) / canvas.clientWidth,
+            pixelsPerCss: () => this.#loaded ? shownSize(this.#loaded.sweep.record).width / canvas.clientWidth : 0,
             show: index => { this.#showSoon(index); },
             hold: () => this.pause(),
             tap: () => this.#toggle(),
@@ -332,8 +332,8 @@ export class OrbitwalkPlayer extends HTMLElement {
         this.#loaded = loaded;
         this.#setSpeed(loaded.playback);
         loaded.sweep.source.setSpeed(this.speed);
-        const {crop} = loaded.sweep.record;
-        this.#stage.style.setProperty("--aspect", `${crop.width} / ${crop.height}`);
+        const {width, height} = shownSize(loaded.sweep.record);
+        this.#stage.style.setProperty("--aspect", `${width} / ${height}`);
         if (this.#canvas)
             this.#canvas.style.touchAction = loaded.path.screen.axis === "x" ? "pan-y" : "pan-x";
         this.#frame = 0;
@@ -484,7 +484,7 @@ export class OrbitwalkPlayer extends HTMLElement {
             return;
         const {clientWidth, clientHeight} = this.#stage;
         this.#density = devicePixelRatio;
-        const size = canvasSize(loaded.sweep.record.crop, clientWidth, clientHeight, this.#density);
+        const size = canvasSize(shownSize(loaded.sweep.record), clientWidth, clientHeight, this.#density);
         canvas.style.width = `${size.css.width}px`;
         canvas.style.height = `${size.css.height}px`;
         if (canvas.width !== size.width || canvas.height !== size.height)

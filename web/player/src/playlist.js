@@ -1,5 +1,5 @@
 import {RenderMatrix} from "@orbitwalk/record";
-import {compose, enlargement, mirror, translation} from "./affine.js";
+import {compose, enlargement, mirror, translation, unturned} from "./affine.js";
 
 /**
  * One picture that a player shows.
@@ -37,6 +37,23 @@ function affineOf(matrix) {
 }
 
 /**
+ * By how many degrees, clockwise, the finished picture is turned to stand upright; a mirrored one the other way.
+ * @param {RecordReader} record
+ * @returns {0 | 90 | 270}
+ */
+export function turnOf({orientation, isFlipped}) {
+    if (orientation !== 90 && orientation !== 270)
+        return 0;
+    return (orientation === 90) === isFlipped ? 270 : 90;
+}
+
+/** The crop rectangle's size as it is shown. @param {RecordReader} record */
+export function shownSize(record) {
+    const {width, height} = record.crop;
+    return turnOf(record) === 0 ? {width, height} : {width: height, height: width};
+}
+
+/**
  * Where each pixel of a canvas that shows the crop rectangle comes from in the frame; mirrored where the preview was.
  * @param {RecordReader} record
  * @param {RenderMatrix} matrix  the identity: the frame as recorded
@@ -49,4 +66,18 @@ export function frameFromCanvas(record, matrix, width, height) {
     const cropped = compose(translation(crop.x, crop.y), enlargement(crop.width / width, crop.height / height));
     const shown = record.isFlipped ? compose(cropped, mirror(width)) : cropped;
     return compose(affineOf(matrix), shown);
+}
+
+/**
+ * The same for a canvas on which the picture stands upright.
+ * @param {RecordReader} record
+ * @param {RenderMatrix} matrix
+ * @param {number} width   of the canvas
+ * @param {number} height
+ * @returns {Affine}
+ */
+export function frameFromUpright(record, matrix, width, height) {
+    const turn = turnOf(record);
+    const lying = turn === 0 ? frameFromCanvas(record, matrix, width, height) : frameFromCanvas(record, matrix, height, width);
+    return compose(lying, unturned(turn, width, height));
 }

@@ -1,3 +1,7 @@
+import {RenderMatrix} from "@orbitwalk/record";
+import {inverse} from "./affine.js";
+import {frameFromUpright, shownSize} from "./playlist.js";
+
 /**
  * Where the pictures of a sweep lie along it, for looking around: a hand that drags the picture by so many pixels
  * wants the one whose displacement differs by as many.
@@ -34,7 +38,10 @@ export class SweepPath {
     constructor(record, shots) {
         const alongX = (record.direction <= 2) === (record.orientation === 0 || record.orientation === 180);
         const axis = alongX ? "x" : "y";
-        this.screen = {axis, sign: alongX && record.isFlipped ? -1 : 1};
+        const {width, height} = shownSize(record);
+        const screenFromFrame = inverse(frameFromUpright(record, RenderMatrix.identity, width, height));
+        const [x, y] = alongX ? [screenFromFrame.xx, screenFromFrame.yx] : [screenFromFrame.xy, screenFromFrame.yy];
+        this.screen = Math.abs(x) > Math.abs(y) ? {axis: "x", sign: x < 0 ? -1 : 1} : {axis: "y", sign: y < 0 ? -1 : 1};
         const centre = {x: (record.width - 1) / 2, y: (record.height - 1) / 2};
         const path = displacements(record);
         // A border frame moves the picture of the frame that it repeats.

@@ -1,5 +1,5 @@
 import {RenderMatrix} from "@orbitwalk/record";
-import {frameFromCanvas} from "./playlist.js";
+import {frameFromUpright} from "./playlist.js";
 
 /**
  * Which part of the stage the canvas takes, and which maps draw a shot on it.
@@ -12,15 +12,15 @@ import {frameFromCanvas} from "./playlist.js";
 const LONGEST_SIDE = 4096;
 
 /**
- * The largest canvas of the crop's shape that the box holds.
- * @param {{width: number, height: number}} crop
+ * The largest canvas of the picture's shape that the box holds.
+ * @param {{width: number, height: number}} picture
  * @param {number} width   of the box, CSS pixels
  * @param {number} height
  * @param {number} density device pixels a CSS pixel
  */
-export function canvasSize(crop, width, height, density) {
-    const scale = Math.min(width / crop.width, height / crop.height);
-    const css = {width: scale * crop.width, height: scale * crop.height};
+export function canvasSize(picture, width, height, density) {
+    const scale = Math.min(width / picture.width, height / picture.height);
+    const css = {width: scale * picture.width, height: scale * picture.height};
     const device = Math.min(density, LONGEST_SIDE / Math.max(css.width, css.height, 1));
     return {
         css,
@@ -38,7 +38,7 @@ export function canvasSize(crop, width, height, density) {
  * @returns {import("./glPainter.js").Part[]}
  */
 export function partsOf(record, shot, {steady, compare, split}, width, height) {
-    const map = (/** @type {RenderMatrix} */ matrix) => frameFromCanvas(record, matrix, width, height);
+    const map = (/** @type {RenderMatrix} */ matrix) => frameFromUpright(record, matrix, width, height);
     if (compare)
         return [{end: split, frameFromCanvas: map(RenderMatrix.identity)}, {end: 1, frameFromCanvas: map(shot.matrix)}];
     return [{end: 1, frameFromCanvas: map(steady ? shot.matrix : RenderMatrix.identity)}];

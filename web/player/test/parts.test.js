@@ -3,7 +3,9 @@ import assert from "node:assert/strict";
 import {readFile} from "node:fs/promises";
 import test from "node:test";
 import {gzipSync} from "node:zlib";
+import {RenderMatrix} from "@orbitwalk/record";
 import {Playback} from "../src/playback.js";
+import {frameFromUpright, shownSize, turnOf} from "../src/playlist.js";
 import {displacements} from "../src/sweepPath.js";
 
 /** Ticks a clock of 10 pictures a second; what it shows. */
@@ -43,6 +45,23 @@ test("a sweep whose displacement saturates goes on at its mean step", () => {
     const path = [0, -900, -2100, -2147.483647, -2147.483647];
     const record = {frameCount: 5, renderedFrames: [0, 1, 2, 3, 4], displacement: i => path[i]};
     assert.deepEqual(displacements(record), [0, -900, -2100, -3150, -4200]);
+});
+
+test("the picture stands upright, and a mirrored one is its mirror picture", () => {
+    // A crop of 4x2 at (10, 20). Its corners, as the canvas shows them: top left and top right.
+    const corners = (orientation, isFlipped) => {
+        const record = {orientation, isFlipped, crop: {x: 10, y: 20, width: 4, height: 2}};
+        const {width, height} = shownSize(record);
+        const map = frameFromUpright(record, RenderMatrix.identity, width, height);
+        const at = (x, y) => [map.xx * x + map.xy * y + map.x0, map.yx * x + map.yy * y + map.y0];
+        return {turn: turnOf(record), size: [width, height], left: at(0, 0), right: at(width - 1, 0)};
+    };
+    assert.deepEqual(corners(0, false), {turn: 0, size: [4, 2], left: [10, 20], right: [13, 20]});
+    assert.deepEqual(corners(360, true), {turn: 0, size: [4, 2], left: [13, 20], right: [10, 20]});
+    // Clockwise: the bottom left corner comes to the top left.
+    assert.deepEqual(corners(90, false), {turn: 90, size: [2, 4], left: [10, 21], right: [10, 20]});
+    assert.deepEqual(corners(270, false), {turn: 270, size: [2, 4], left: [13, 20], right: [13, 21]});
+    assert.deepEqual(corners(90, true), {turn: 270, size: [2, 4], left: [10, 20], right: [10, 21]});
 });
 
 test("player and demuxer are small", async t => {

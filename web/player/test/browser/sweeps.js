@@ -56,8 +56,8 @@ export async function makeSweep(work, name, {size = "640x360", frames = 16, simu
             "-g", "12", "-movflags", "+faststart", file("b.mp4"));
         await copyFile(file("b.mp4"), join(directory, "sweep.mp4"));
     }
-    await run(tool, ["render", directory, "-o", file("steady.mp4"), "--quality", "1", ...refined ? ["--refined"] : []]);
-    await ffmpeg("-i", file("steady.mp4"), "-sws_flags", "bicubic+accurate_rnd+full_chroma_int+full_chroma_inp",
+    await run(tool, ["render", directory, "-q", "-o", file("steady.mp4"), "--quality", "1", "--border-frames", ...refined ? ["--refined"] : []]);
+    await ffmpeg("-noautorotate", "-i", file("steady.mp4"), "-sws_flags", "bicubic+accurate_rnd+full_chroma_int+full_chroma_inp",
         "-pix_fmt", "rgba", "-f", "rawvideo", join(directory, "steady.rgba"));
     if (refined)
         await copyFile(join(directory, "refined.obw"), join(directory, "sweep.obw"));

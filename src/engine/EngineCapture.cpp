@@ -15,6 +15,16 @@ namespace {
 
 constexpr char kLogTag[] = "ORBITWALK_ENGINE";
 
+void logFrame(const orbitwalk::EngineStatus& status, double x, double y, double a) {
+    logInfo("kelOBWEngine::setFrameInfo -- called, Capture Engine Version = %s, date = %s, time %s",
+            kEngineVersion, kEngineDate, kEngineTime);
+    logInfo(
+        "kelOBWEngine::setFrameInfo : stateLock-lock : totalNumFrames=%d, engineState=%d, "
+        "cancelCmdReceived=%d",
+        status.totalNumFrames.load(), status.engineState.load(), status.cancelCmdReceived.load());
+    logInfo("kelOBWEngine::setFrameInfo : Trajectory : %f, %f, %f", x, y, a);
+}
+
 }  // namespace
 
 int kelOBWEngine::start(_OBW_ENGINE_INIT_PARAM* param) {
@@ -100,15 +110,7 @@ int kelOBWEngine::setUpCapture() {
 
 int kelOBWEngine::setFrameInfo(unsigned char* frame, float x, float y, float a) {
     const orbitwalk::Stopwatch callTime;
-    logInfo("kelOBWEngine::setFrameInfo -- called, Capture Engine Version = %s, date = %s, time %s",
-            kEngineVersion, kEngineDate, kEngineTime);
-    logInfo(
-        "kelOBWEngine::setFrameInfo : stateLock-lock : totalNumFrames=%d, engineState=%d, "
-        "cancelCmdReceived=%d",
-        mStatus.totalNumFrames.load(), mStatus.engineState.load(),
-        mStatus.cancelCmdReceived.load());
-    logInfo("kelOBWEngine::setFrameInfo : Trajectory : %f, %f, %f", static_cast<double>(x),
-            static_cast<double>(y), static_cast<double>(a));
+    logFrame(mStatus, x, y, a);
     StateLockGuard hold(stateLock);
     if (mStatus.engineState != OBW_STATE_IDLE) {
         hold.unlock();

@@ -27,28 +27,22 @@ TEST_F(EngineTest, BadArgumentsAreRefusedAndAProperCallCanFollow) {
 }
 
 TEST_F(EngineTest, ATrajectoryCallWithoutACaptureGivesZeros) {
-    float x = 1, y = 2, a = 3;
-    getTrajectory(frame.data(), &x, &y, &a);
-    EXPECT_EQ(x, 0.0f);
-    EXPECT_EQ(y, 0.0f);
-    EXPECT_EQ(a, 0.0f);
+    float out[] = {1, 2, 3};
+    getTrajectory(frame.data(), out, out + 1, out + 2);
+    EXPECT_THAT(out, testing::Each(0.0f));
     initAndStart();
-    EXPECT_EQ(engine().computeTrajectory(frame.data(), nullptr, &y, &a), OBW_RESULT_FAIL);
-    EXPECT_EQ(engine().computeTrajectory(frame.data(), &x, nullptr, &a), OBW_RESULT_FAIL);
-    EXPECT_EQ(engine().computeTrajectory(frame.data(), &x, &y, nullptr), OBW_RESULT_FAIL);
-    EXPECT_EQ(engine().computeTrajectory(nullptr, &x, &y, &a), OBW_RESULT_OK);
+    for (int missing = 0; missing < 3; ++missing) {
+        float* to[] = {out, out, out};
+        to[missing] = nullptr;
+        EXPECT_EQ(engine().computeTrajectory(frame.data(), to[0], to[1], to[2]), OBW_RESULT_FAIL);
+    }
+    EXPECT_EQ(engine().computeTrajectory(nullptr, out, out, out), OBW_RESULT_OK);
 }
 
 TEST_F(EngineTest, TrajectoriesOfAnyValueGiveAFiniteRecord) {
     using Limits = std::numeric_limits<float>;
     for (const float value : {Limits::quiet_NaN(), 3e38f, -Limits::infinity()}) {
-        listener.forget();
-        initAndStart();
-        ASSERT_EQ(feed(3), OBW_RESULT_OK);
-        const _ENCODING_FRAME_INFORMATION frames[] = {
-            {0, 0, 0, 1, 0, 0}, {value, value, value, 1, 0, 0}, {1, 1, 0, 1, 0, 0}};
-        ASSERT_EQ(stop(0, 2, frames), OBW_RESULT_OK);
-        EXPECT_EQ(listener.awaitAll(), kAllProgress);
+        capture({{0, 0, 0, 1, 0, 0}, {value, value, value, 1, 0, 0}, {1, 1, 0, 1, 0, 0}}, 0, 2);
         EXPECT_EQ(record.renderMat[0][8], 1000000);
     }
 }

@@ -12,9 +12,7 @@ constexpr int kIdentity[] = {1000000, 0, 0, 0, 1000000, 0, 0, 0, 1000000};
 
 TEST_F(EngineTest, AStillCaptureGivesARecordOfIdentities) {
     param.frontCamFlipped = true;
-    beginCapture(3);
-    ASSERT_EQ(listener.awaitAll(), kAllProgress);
-
+    capture(framesWithFlags({1, 1, 1}), 0, 2);
     __kelOBWKDXMetaData expected{};
     // No correction moves a frame, so all of the picture is common.
     const int head[] = {64, 48, 3, 0, 2, 0, 0, 0, 1, 1, 1, 1000, 0, 0, 64, 48, 3, 3};
@@ -40,13 +38,10 @@ TEST_F(EngineTest, AStillCaptureGivesARecordOfIdentities) {
 }
 
 TEST_F(EngineTest, StopSendsTheSelectedFramesAgainstTheFirstOfThem) {
-    initAndStart();
-    ASSERT_EQ(feed(5), OBW_RESULT_OK);
-    std::vector<_ENCODING_FRAME_INFORMATION> frames;
+    Frames frames;
     for (int i = 0; i < 5; ++i)
         frames.push_back({0.5f * static_cast<float>(i), 1.0f, 0, i == 4 ? 7 : 1, 100 + i, 200 + i});
-    ASSERT_EQ(stop(1, 3, frames, OBW_DIRECTION_RIGHT2LEFT), OBW_RESULT_OK);
-    ASSERT_EQ(listener.awaitAll(), kAllProgress);
+    capture(frames, 1, 3, OBW_DIRECTION_RIGHT2LEFT);
     const std::string sent =
         "kelOBWEngine::stop sendTransformationMatrix done : stat = 1, transformation = ";
     EXPECT_EQ(fake_platform::countLogPrefix(sent), 2);
@@ -65,19 +60,12 @@ TEST_F(EngineTest, StopSendsTheSelectedFramesAgainstTheFirstOfThem) {
 }
 
 TEST_F(EngineTest, AStopWithOneOrNoSelectedFrameSendsOnePoint) {
+    const std::string sent = "kelOBWEngine::stop sendTransformationMatrix done ";
     for (const auto& flags : {std::vector{0, 0, 0}, {0, 1, 0}}) {
-        listener.forget();
         fake_platform::clearLog();
-        initAndStart();
-        ASSERT_EQ(feed(3), OBW_RESULT_OK);
-        ASSERT_EQ(stop(0, 2, framesWithFlags(flags)), OBW_RESULT_OK);
-        ASSERT_EQ(listener.awaitAll(), kAllProgress);
-        EXPECT_EQ(fake_platform::countLog("kelOBWEngine::stop sendTransformationMatrix done for "
-                                          "Single Valid Frame : stat = 1 "),
-                  1);
-        EXPECT_EQ(
-            fake_platform::countLogPrefix("kelOBWEngine::stop sendTransformationMatrix done : "),
-            0);
+        capture(framesWithFlags(flags), 0, 2);
+        EXPECT_EQ(fake_platform::countLog(sent + "for Single Valid Frame : stat = 1 "), 1);
+        EXPECT_EQ(fake_platform::countLogPrefix(sent), 1);
         for (int i = 0; i < 3; ++i)
             EXPECT_THAT(record.renderMat[i], ElementsAreArray(kIdentity));
         EXPECT_EQ(record.leftBorderFrames, 0);
@@ -98,11 +86,7 @@ TEST_F(EngineTest, InvalidRangesAndDirectionsFallBackToDefaults) {
         {0, -1, static_cast<OBWDirection>(99), 0, 2, 1},
     };
     for (const auto& c : cases) {
-        listener.forget();
-        initAndStart();
-        ASSERT_EQ(feed(2), OBW_RESULT_OK);
-        ASSERT_EQ(stop(c.first, c.last, framesWithFlags({1, 1}), c.direction), OBW_RESULT_OK);
-        ASSERT_EQ(listener.awaitAll(), kAllProgress);
+        capture(framesWithFlags({1, 1}), c.first, c.last, c.direction);
         EXPECT_EQ(record.startIndex, c.start);
         EXPECT_EQ(record.endIndex, c.end);
         EXPECT_EQ(record.captureDirection, c.recorded);
@@ -124,10 +108,8 @@ TEST_F(EngineTest, OneProcessMakesOneCaptureAfterAnother) {
     beginCapture(4);
     ASSERT_EQ(listener.awaitAll(), kAllProgress);
     listener.forget();
-    fake_platform::clearLog();
     ASSERT_EQ(start(), OBW_RESULT_OK) << "state 7 accepts a start";
-    EXPECT_EQ(fake_platform::countLog("kelOBWEngine::start lock done, engineState=4, numCapture=1"),
-              1);
+    expectInOrder({"kelOBWEngine::start lock done, engineState=4, numCapture=1"});
     feedAndStop(2);
     EXPECT_EQ(listener.awaitAll(), kAllProgress);
     EXPECT_EQ(record.numFrames, 2);
@@ -161,15 +143,11 @@ TEST_F(EngineTest, TheTrajectoryIsTheFindersAndTheFramesAreCopied) {
 TEST_F(EngineTest, AFlagOfSevenInsideTheRangeTakesTheNextFramesMatrix) {
     constexpr int kFrames = 16;
     const auto matricesWith = [&](int flag) {
-        initAndStart();
-        EXPECT_EQ(feed(kFrames), OBW_RESULT_OK);
-        std::vector<_ENCODING_FRAME_INFORMATION> path;
+        Frames path;
         for (int i = 0; i < kFrames; ++i)
             path.push_back({0.5f * static_cast<float>(i * i % 7), static_cast<float>(i % 3),
                             0.001f * static_cast<float>(i * i % 11), i == 3 ? flag : 1, 0, 0});
-        EXPECT_EQ(stop(0, kFrames - 1, path), OBW_RESULT_OK);
-        listener.awaitAll();
-        listener.forget();
+        capture(path, 0, kFrames - 1);
         std::vector<std::vector<std::int32_t>> matrices;
         for (const auto& matrix : record.renderMat)
             matrices.emplace_back(std::begin(matrix), std::end(matrix));

@@ -1,4 +1,4 @@
-#include "engine/FailureInjection.h"
+#include "engine/FailureFixture.h"
 
 #include <MP4Writer.h>
 #include <android/log.h>

@@ -3,17 +3,7 @@
 namespace {
 
 /// The ways into a state that outlasts a call.
-enum class Way {
-    created,
-    idle,
-    started,
-    noStream,
-    noRecord,
-    frameLost,
-    stopFailed,
-    done,
-    cancelled
-};
+enum class Way { created, idle, started, noStream, noRecord, frameLost, badStop, done, cancelled };
 
 struct Cell {
     int result;
@@ -35,7 +25,7 @@ constexpr Row kTable[] = {
     {"no stream", Way::noStream, 1, {0, 9}, {4, 1}, {4, 1}, {4, 1}, {4, 1}, {0, 1}, {7, 1}},
     {"no record", Way::noRecord, 1, {0, 9}, {4, 1}, {4, 1}, {4, 1}, {4, 1}, {0, 1}, {7, 1}},
     {"frame lost", Way::frameLost, 3, {0, 9}, {4, 3}, {4, 3}, {4, 3}, {4, 3}, {0, 3}, {0, 3}},
-    {"stop failed", Way::stopFailed, 5, {0, 9}, {4, 5}, {4, 5}, {4, 5}, {4, 5}, {0, 5}, {0, 5}},
+    {"stop failed", Way::badStop, 5, {0, 9}, {4, 5}, {4, 5}, {4, 5}, {4, 5}, {0, 5}, {0, 5}},
     {"done", Way::done, 7, {0, 9}, {0, 9}, {4, 7}, {4, 7}, {4, 7}, {0, 7}, {7, 7}},
     {"cancelled", Way::cancelled, 7, {0, 9}, {0, 9}, {4, 7}, {4, 7}, {4, 7}, {0, 7}, {7, 7}},
 };
@@ -73,7 +63,7 @@ class StateTableTest : public FailureTest {
         ASSERT_EQ(setFrame(), 0) << "a recording without frames fails";
         if (way == Way::frameLost)
             loseAFrame();
-        if (way == Way::stopFailed) {
+        if (way == Way::badStop) {
             failure::failAllocation(1);
             ASSERT_EQ(stop(), OBW_RESULT_FAIL);
             failure::allocationFailed();

@@ -53,7 +53,11 @@ TEST(SweepAxis, FollowsOrientationAndDirection) {
     const struct {
         int orientation;
         SweepAxis ofDirection[4];  ///< Left to right, right to left, down, up.
-    } cases[] = {{0, {x, x, y, y}}, {90, {y, y, x, x}}, {180, {x, x, y, y}}, {270, {y, y, x, x}}};
+    } cases[] = {{0, {x, x, y, y}},
+                 {90, {y, y, x, x}},
+                 {180, {x, x, y, y}},
+                 {270, {y, y, x, x}},
+                 {360, {y, y, x, x}}};
     for (const auto& [orientation, axes] : cases)
         for (int direction = 1; direction <= 4; ++direction)
             EXPECT_EQ(sweepAxis(orientation, direction), axes[direction - 1]) << orientation;

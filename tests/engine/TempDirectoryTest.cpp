@@ -114,26 +114,6 @@ TEST_F(TempDirectoryTest, IsNotRemovedByAUserWhoMayNotWriteThere) {
     EXPECT_TRUE(fs::exists(dir() / "kept"));
 }
 
-TEST_F(TempDirectoryTest, ShowsPathsOnEngineeringBuildsOnly) {
-    for (const bool showPaths : {false, true}) {
-        fs::create_directories(dir() / "inner");
-        write(dir() / "inner" / "file");
-        fake_platform::clearLog();
-        remove(showPaths);
-        removeTempDir("/", showPaths);
-        for (const auto& line : fake_platform::logLines())
-            EXPECT_TRUE(showPaths || line.text.find('/') == std::string::npos) << line.text;
-        const std::string ok = "kelOBWEngine::removeTempDir : rm Dir OK ";
-        EXPECT_EQ(fake_platform::countLog(ok + (showPaths ? name() : ": Line: 280")),
-                  showPaths ? 1 : 2);
-        const std::string file = name() + "/inner/file";
-        EXPECT_EQ(
-            fake_platform::countLog(showPaths ? "kelOBWEngine::removeTempDir, unlink " + file + ", "
-                                              : "kelOBWEngine::removeTempDir, LINE:  : 254, "),
-            1);
-    }
-}
-
 TEST(LocalTmpDir, MayFillItsBufferToTheLastByte) {
     const std::string before(localTmpDir);
     std::fill(std::begin(localTmpDir), std::end(localTmpDir), 'x');

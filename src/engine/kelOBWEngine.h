@@ -36,7 +36,7 @@ class kelOBWEngine {
     int start(_OBW_ENGINE_INIT_PARAM* param);
     /// @return 0, 4 or 7.
     int setFrameInfo(unsigned char* frame, float x, float y, float a);
-    /// Takes neither lock nor notice of the state. @return 0 or 7.
+    /// Needs no turn and asks no state. @return 0 or 7.
     int computeTrajectory(unsigned char* frame, float* x, float* y, float* a);
     /// On success, and when no thread can be created, the state lock stays locked.
     /// @return 0, 4, 5 or 7.

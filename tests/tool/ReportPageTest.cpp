@@ -53,10 +53,12 @@ TEST(ReportJson, MayStandInsideAScriptElement) {
 }
 
 TEST(ReportPage, IsWhole) {
-    const std::string page = reportPage(R"({"here": "the data"})");
+    const std::string page = reportPage({R"({"here": "the data"})", "video", "record"});
     EXPECT_THAT(
         page,
         HasSubstr(R"(<script type="application/json" id="data">{"here": "the data"}</script>)"));
+    EXPECT_THAT(page, HasSubstr(R"(id="video">dmlkZW8=</script>)"));
+    EXPECT_THAT(page, HasSubstr(R"(id="record">cmVjb3Jk</script>)"));
     EXPECT_THAT(page, HasSubstr("Copyright (c) 2022 Leon Sorokin"));
     EXPECT_THAT(
         page, HasSubstr("The above copyright notice and this permission notice shall be included"));

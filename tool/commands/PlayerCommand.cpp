@@ -20,9 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Browsers hold no text much longer, and base64 adds a third.
-constexpr std::size_t kVideoLimit = 384'000'000;
-
 struct PlayerOptions {
     fs::path directory;
     fs::path page;
@@ -38,7 +35,7 @@ std::string titleOf(const Sweep& sweep) {
 
 std::string pageOf(const PlayerOptions& options, const Sweep& sweep) {
     const fs::path& record = options.refined ? sweep.files.refinedRecord : sweep.files.record;
-    return playerPage(titleOf(sweep), readTextFile(sweep.files.video, kVideoLimit),
+    return playerPage(titleOf(sweep), readTextFile(sweep.files.video, kEmbeddedVideoLimit),
                       readTextFile(record));
 }
 

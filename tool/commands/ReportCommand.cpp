@@ -6,6 +6,8 @@
 #include "commands/Commands.h"
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
+#include "files/TextFile.h"
+#include "player/PlayerPage.h"
 #include "report/Pictures.h"
 #include "report/ReportData.h"
 #include "report/ReportJson.h"
@@ -38,6 +40,13 @@ ReportPictures readPictures(const Sweep& sweep, const ReportData& data) {
     });
 }
 
+std::string pageOf(const Sweep& sweep, const ReportData& data) {
+    const std::string json = reportJson(data, readPictures(sweep, data));
+    const std::string video = readTextFile(sweep.files.video, kEmbeddedVideoLimit);
+    const std::string record = readTextFile(sweep.files.record);
+    return reportPage({json, video, record});
+}
+
 std::string summaryJson(const ReportOptions& options, const ReportData& data, std::size_t bytes) {
     const nlohmann::ordered_json summary{
         {"report", options.page.string()}, {"frames", data.frames}, {"bytes", bytes}};
@@ -60,7 +69,7 @@ void writeReport(const ReportOptions& options) {
     const ReportData data = reportData(sweep.record, requirePath(sweep), sweep.summary);
     OutputFiles files(options.common.force);
     std::FILE* const stream = files.create(options.page);
-    const std::string page = reportPage(reportJson(data, readPictures(sweep, data)));
+    const std::string page = pageOf(sweep, data);
     files.append(stream, page);
     SignalGuard::check();
     files.commit();

@@ -5,8 +5,15 @@
 
 namespace orbitwalk::tool {
 
-/// The finished page: one HTML file with its styles, its scripts and the data, which loads nothing.
-/// @param json  see reportJson.
-std::string reportPage(std::string_view json);
+/// What a page tells and plays.
+struct ReportContent {
+    std::string_view json;    ///< See reportJson.
+    std::string_view video;   ///< The bytes of the sweep's MP4.
+    std::string_view record;  ///< Of its motion record.
+};
+
+/// The finished page: one HTML file with its styles, its scripts, the data and the sweep, which
+/// loads nothing.
+std::string reportPage(const ReportContent& content);
 
 }  // namespace orbitwalk::tool

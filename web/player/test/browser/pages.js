@@ -1,4 +1,4 @@
-// The page that `orbitwalk player` writes: opened as a file, it plays and asks for nothing.
+// The pages that `orbitwalk player` and `report` write: opened as files, they play and ask for nothing.
 import assert from "node:assert/strict";
 import {execFile} from "node:child_process";
 import {join} from "node:path";
@@ -41,4 +41,27 @@ export async function testPages(harness, t) {
             assert.ok(unhandled.every(text => text.includes("Content Security Policy")) && unhandled.length > 0, `${unhandled}`);
             await context.close();
         });
+
+    await t.test("the report's plots and its player show the same frame", async () => {
+        const report = join(harness.work, "report.html");
+        await run(process.env.ORBITWALK_TOOL, ["report", directory, "-q", "-o", report]);
+        const page = await harness.browser.newPage();
+        await page.goto(`file://${report}`);
+        const cursors = await page.evaluate(async () => {
+            const player = document.getElementById("player");
+            await player.seekToFrame(6);
+            return globalThis.reportPlots.map(({plot}) => plot.cursor.idx);
+        });
+        assert.deepEqual(new Set(cursors), new Set([6]));
+        const place = await page.evaluate(() => {
+            const {plot} = globalThis.reportPlots[1];
+            plot.over.scrollIntoView({block: "center"});
+            const {left, top} = plot.over.getBoundingClientRect();
+            return {x: left + plot.valToPos(3, "x"), y: top + 40};
+        });
+        await page.mouse.move(place.x - 2, place.y);
+        await page.mouse.move(place.x, place.y);
+        await page.waitForFunction(() => document.getElementById("player").currentFrame === 3, null, {timeout: 5000});
+        await page.close();
+    });
 }

@@ -43,7 +43,7 @@ async function testOrder(harness, t) {
 async function testSeeks(harness, t, record) {
     await t.test("500 seeks end on the right frame", async () => {
         const page = await harness.openPage({viewport: small});
-        const bound = 5;
+        const bound = 8;
         const {count} = await addPlayer(page, {...sourceOf("playing"), "cache-megabytes": String(bound)});
         const places = record.renderedFrames.map(i => markPlaces(record, record.renderMatrix(i)));
         const result = await page.evaluate(async ({count, places, width}) => {

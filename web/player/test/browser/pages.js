@@ -61,7 +61,12 @@ export async function testPages(harness, t) {
         });
         await page.mouse.move(place.x - 2, place.y);
         await page.mouse.move(place.x, place.y);
-        await page.waitForFunction(() => document.getElementById("player").currentFrame === 3, null, {timeout: 5000});
+        await page.evaluate(() => new Promise(resolve => {
+            const player = document.getElementById("player");
+            const look = () => player.currentFrame === 3 && resolve(null);
+            player.addEventListener("framechange", look);
+            look();
+        }));
         await page.close();
     });
 }

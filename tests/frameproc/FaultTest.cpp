@@ -12,12 +12,14 @@
 #include "frameproc/InjectedFaults.h"
 #include "frameproc/OBW_FrameProcessor.h"
 #include "frameproc/OBW_MP4EncoderProcess.h"
+#include "support/Complaint.h"
 #include "support/FakeMP4Writer.h"
 #include "support/FakePlatform.h"
 
 namespace {
 
 using Queue = SPMCQueue<unsigned char>;
+using test_support::complaintOf;
 using testing::SizeIs;
 
 constexpr int kSlot = 6144;  // of 64x64 frames: a size that nothing else allocates
@@ -64,14 +66,9 @@ TEST_F(Faults, QueueWithoutASemaphoreLeavesNothingBehind) {
     std::vector<unsigned char> pool(2 * kSlot);
     const int before = injected_faults::liveArrays();
     injected_faults::failSemaphoreInit(true);
-    for (unsigned char* const given : {pool.data(), static_cast<unsigned char*>(nullptr)}) {
-        try {
-            Queue queue(kSlot, 2, given);
-            ADD_FAILURE() << "constructed";
-        } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), "SPMCQueue: failed to init semaphore");
-        }
-    }
+    for (unsigned char* const given : {pool.data(), static_cast<unsigned char*>(nullptr)})
+        EXPECT_EQ(complaintOf<std::runtime_error>([&] { Queue(kSlot, 2, given); }),
+                  "SPMCQueue: failed to init semaphore");
     injected_faults::failSemaphoreInit(false);
     EXPECT_EQ(injected_faults::liveArrays(), before);
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "frameproc/FrameSize.h"
 #include "support/FakeMP4Writer.h"
 #include "support/FakePlatform.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 using Processor = OBW_FrameProcessor;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 class FrameProcessor : public testing::Test {
   protected:
@@ -56,10 +56,15 @@ TEST_F(FrameProcessor, TakesFramesUpToItsOwnSize) {
 }
 
 TEST_F(FrameProcessor, RefusesSizesThatDoNotFit) {
+    using orbitwalk::yuv420FrameBytes;
     auto bad = params();
     bad.width = -4;
     EXPECT_THROW(Processor{bad}, std::length_error);
     EXPECT_THROW(Processor{params(0)}, std::length_error);
+    EXPECT_EQ(yuv420FrameBytes(3, 3), 13);
+    EXPECT_EQ(yuv420FrameBytes(-1, 3), -5);  // an arithmetic shift
+    EXPECT_EQ(yuv420FrameBytes(26754, 26754), 1073664774);
+    EXPECT_THROW(yuv420FrameBytes(26755, 26755), std::length_error);
 }
 
 TEST_F(FrameProcessor, EncodesFramesThatWereSentBeforeItsStart) {
@@ -142,23 +147,10 @@ TEST_F(FrameProcessor, LabelsItsLinesByTypeAndProcess) {
     }
 }
 
-std::vector<std::string> recordingLog(const std::vector<std::string>& creation) {
-    std::vector<std::string> lines = creation;
-    for (const char* line :
-         {"::OBW_FrameProcessor -- done : mMaxFrameSize = 12", "::start-- enter", "::start -- done",
-          "::sendFrame -- enter, size = 12, mMaxFrameSize = 12, frameCount=0",
-          "::sendFrame -- done, frameCount=1", "::stop block FRAMEPROC_ALL-- enter",
-          "::stop block -- signalEndOfFrames", "::stop block -- signalEndOfFrames done",
-          "::stop block -- mMP4Encoder stop done", "::stop block  FRAMEPROC_ALL-- done",
-          "::abort FRAMEPROC_ALL-- enter", "::abort -- called without start()",
-          "::~OBW_FrameProcessor -- enter : mIsRunning=0", "::~OBW_FrameProcessor -- done"})
-        lines.push_back(line);
-    return lines;
-}
-
 TEST_F(FrameProcessor, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
-    const auto record = [&](const char* buildType) {
-        fake_platform::setBuildType(buildType);
+    for (const std::string build : {"user", "eng"}) {
+        const bool engineering = build == "eng";
+        fake_platform::setBuildType(build);
         fake_platform::clearLog();
         {
             Processor processor(params());
@@ -167,18 +159,31 @@ TEST_F(FrameProcessor, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
             processor.stop();
             processor.abort();
         }
-        return log();
-    };
-    const std::string name = "OBW_FrameProcessor::OBW_FrameProcessor -- ";
-    EXPECT_THAT(record("user"),
-                ElementsAreArray(recordingLog({name + "buildType = user",
-                                               "::OBW_FrameProcessor -- enter: 4x2, MP4 handles : "
-                                               "(nil), -1, buffer pool = (nil)"})));
-    EXPECT_THAT(record("eng"),
-                ElementsAreArray(recordingLog(
-                    {name + "buildType = eng", name + "ENGINEERING build",
-                     "::OBW_FrameProcessor -- enter: 4x2, MP4 file : clip.mp4, MP4 tmp dir : "
-                     "/tmp/work/, MP4 handles : (nil), -1, buffer pool = (nil)"})));
+        const std::string paths = "MP4 file : clip.mp4, MP4 tmp dir : /tmp/work/, ";
+        std::vector<std::string> expected{
+            "OBW_FrameProcessor::OBW_FrameProcessor -- buildType = " + build,
+            "OBW_FrameProcessor::OBW_FrameProcessor -- ENGINEERING build",
+            "::OBW_FrameProcessor -- enter: 4x2, " + (engineering ? paths : "") +
+                "MP4 handles : (nil), -1, buffer pool = (nil)",
+            "::OBW_FrameProcessor -- done : mMaxFrameSize = 12",
+            "::start-- enter",
+            "::start -- done",
+            "::sendFrame -- enter, size = 12, mMaxFrameSize = 12, frameCount=0",
+            "::sendFrame -- done, frameCount=1",
+            "::stop block FRAMEPROC_ALL-- enter",
+            "::stop block -- signalEndOfFrames",
+            "::stop block -- signalEndOfFrames done",
+            "::stop block -- mMP4Encoder stop done",
+            "::stop block  FRAMEPROC_ALL-- done",
+            "::abort FRAMEPROC_ALL-- enter",
+            "::abort -- called without start()",
+            "::~OBW_FrameProcessor -- enter : mIsRunning=0",
+            "::~OBW_FrameProcessor -- done",
+        };
+        if (!engineering)
+            expected.erase(expected.begin() + 1);
+        EXPECT_EQ(log(), expected) << build;
+    }
 }
 
 }  // namespace

@@ -3,9 +3,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
+#include <limits>
 #include <numeric>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -47,11 +48,7 @@ std::vector<int> numbersTo(int count) {
     return numbers;
 }
 
-std::string pointerText(const void* pointer) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%p", pointer);
-    return text;
-}
+using testing::PrintToString;
 
 TEST(Queue, GrowsByANewSlotWhenTheConsumerStalls) {
     fake_platform::clearLog();
@@ -106,6 +103,13 @@ TEST(Queue, OfOneSlotGrowsAtTheFirstWrite) {
     EXPECT_THAT(drain(queue), ElementsAre(7));
 }
 
+TEST(Queue, RefusesSizesThatItCannotHold) {
+    constexpr int most = std::numeric_limits<int>::max();
+    for (const auto& [slotBytes, slots] :
+         {std::pair{16, 0}, {16, -1}, {9, 4}, {0, 4}, {-16, 4}, {most, 2}, {65536, 32768}})
+        EXPECT_THROW(Queue(slotBytes, slots), std::length_error) << slotBytes << " x " << slots;
+}
+
 TEST(Queue, EndsAtAFrameThatReadsAsTheMarkerOnly) {
     Queue queue(kSlot, 4);
     std::strcpy(reinterpret_cast<char*>(queue.writeLock()), "terminated");
@@ -153,10 +157,10 @@ TEST(Queue, LogsItsLifeWithACallersPool) {
     {
         Queue queue(kSlot, 2, pool.data());
         put(queue, 0);
-        grown = pointerText(queue.writeLock());
+        grown = PrintToString(static_cast<void*>(queue.writeLock()));
         queue.signalEndOfFrames();
     }
-    const std::string address = pointerText(pool.data());
+    const std::string address = PrintToString(static_cast<void*>(pool.data()));
     EXPECT_THAT(
         fake_platform::logTexts("WR_SPMCQueue"),
         ElementsAre(
@@ -178,12 +182,13 @@ TEST(Queue, LogsItsLifeWithACallersPool) {
 TEST(Queue, ZeroesABlockOfItsOwn) {
     fake_platform::clearLog();
     Queue queue(kSlot, 3);
-    const unsigned char* block = queue.writeLock();
+    unsigned char* block = queue.writeLock();
     EXPECT_EQ(std::count(block, block + 3 * kSlot, 0), 3 * kSlot);
     EXPECT_THAT(fake_platform::logTexts("WR_SPMCQueue"),
                 ElementsAre("SPMCQueue buffer alloc : totalSize=48, mFrameSize=16, mNumFrames=3",
                             "SPMCQueue buffer - done memset",
-                            "SPMCQueue buffer alloc done : buf=" + pointerText(block)));
+                            "SPMCQueue buffer alloc done : buf=" +
+                                PrintToString(static_cast<void*>(block))));
 }
 
 TEST(Queue, KeepsTheOrderBetweenTwoThreads) {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <future>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,24 +14,22 @@ namespace {
 /// Says that its first unit of work has begun, and does not end it before it is let go.
 class HeldThread : public vfw::CThread {
   public:
-    HeldThread() = default;
-    explicit HeldThread(std::vector<std::string>& outside) : mSteps(&outside) {}
+    explicit HeldThread(std::vector<std::string>& steps) : mSteps(steps) {}
     ~HeldThread() override { join(); }
 
     void waitUntilHeld() { mBegun.get_future().wait(); }
     void letGo() { mGo.set_value(); }
-    bool hasEnded() const { return mEnded; }
-    /// After the thread has been joined.
-    const std::vector<std::string>& steps() const { return *mSteps; }
+
+    std::atomic<bool> ended{false};
 
   protected:
-    void onStart() override { mSteps->push_back("start"); }
+    void onStart() override { mSteps.push_back("start"); }
     void onStop() override {
-        mSteps->push_back("stop");
-        mEnded = true;
+        mSteps.push_back("stop");
+        ended = true;
     }
     bool onRun() override {
-        mSteps->push_back("run");
+        mSteps.push_back("run");
         if (mUnits++ == 0) {
             mBegun.set_value();
             mGo.get_future().wait();
@@ -40,92 +39,79 @@ class HeldThread : public vfw::CThread {
 
   private:
     std::promise<void> mBegun, mGo;
-    std::vector<std::string> mOwnSteps;
-    std::vector<std::string>* mSteps = &mOwnSteps;
-    std::atomic<bool> mEnded{false};
+    std::vector<std::string>& mSteps;
     int mUnits = 0;
 };
 
 using testing::ElementsAre;
 
-TEST(Thread, StartedTwiceRunsOnceUntilItsWorkIsDone) {
-    HeldThread thread;
-    thread.start();
-    thread.start();
-    thread.letGo();
-    thread.join();
-    thread.join();
-    thread.start();
-    EXPECT_FALSE(thread.joinable());
-    EXPECT_THAT(thread.steps(), ElementsAre("start", "run", "run", "run", "stop"));
-}
-
-TEST(Thread, EndsAfterTheUnitInWhichItWasAskedToStop) {
-    HeldThread thread;
-    thread.start();
-    thread.waitUntilHeld();
-    thread.requestStop();
-    thread.letGo();
-    thread.join();
-    EXPECT_THAT(thread.steps(), ElementsAre("start", "run", "stop"));
-}
-
-TEST(Thread, DoesNotWaitForAStopThatWasAlreadyRequested) {
-    HeldThread thread;
-    thread.start();
-    thread.waitUntilHeld();
-    thread.requestStop();
-    thread.requestStopAndWait();
-    EXPECT_FALSE(thread.hasEnded());
-    EXPECT_TRUE(thread.joinable());
-    thread.letGo();
-}
-
-TEST(Thread, IgnoresEveryRequestBeforeItIsStarted) {
-    HeldThread thread;
-    thread.requestStop();
-    thread.requestStopAndWait();
-    thread.join();
-    thread.detach();
-    EXPECT_FALSE(thread.joinable());
-    thread.start();
-    thread.waitUntilHeld();
-    EXPECT_TRUE(thread.joinable());
-    thread.letGo();
-    thread.requestStopAndWait();
-    EXPECT_TRUE(thread.hasEnded());
-    EXPECT_FALSE(thread.joinable());
-}
-
-TEST(Thread, IsWaitedForByItsDestructor) {
+struct Thread : testing::Test {
     std::vector<std::string> steps;
-    {
-        HeldThread thread(steps);
-        thread.start();
-        thread.letGo();
-    }
+    std::optional<HeldThread> thread{std::in_place, steps};
+};
+
+TEST_F(Thread, StartedTwiceRunsOnceUntilItsWorkIsDone) {
+    thread->start();
+    thread->start();
+    thread->letGo();
+    thread->join();
+    thread->join();
+    thread->start();
+    EXPECT_FALSE(thread->joinable());
     EXPECT_THAT(steps, ElementsAre("start", "run", "run", "run", "stop"));
 }
 
-TEST(Thread, OnceDetachedIsNotJoined) {
-    HeldThread thread;
-    thread.start();
-    thread.waitUntilHeld();
-    thread.detach();
-    thread.detach();
-    EXPECT_FALSE(thread.joinable());
-    thread.join();
-    EXPECT_FALSE(thread.hasEnded());
-    thread.letGo();
-    while (!thread.hasEnded())
+TEST_F(Thread, IsWaitedForByItsDestructor) {
+    thread->start();
+    thread->letGo();
+    thread.reset();
+    EXPECT_THAT(steps, ElementsAre("start", "run", "run", "run", "stop"));
+}
+
+TEST_F(Thread, EndsAfterTheUnitInWhichItWasAskedToStopAndIsNotWaitedForAgain) {
+    thread->start();
+    thread->waitUntilHeld();
+    thread->requestStop();
+    thread->requestStopAndWait();
+    EXPECT_FALSE(thread->ended);
+    EXPECT_TRUE(thread->joinable());
+    thread->letGo();
+    thread->join();
+    EXPECT_THAT(steps, ElementsAre("start", "run", "stop"));
+}
+
+TEST_F(Thread, IgnoresEveryRequestBeforeItIsStarted) {
+    thread->requestStop();
+    thread->requestStopAndWait();
+    thread->join();
+    thread->detach();
+    EXPECT_FALSE(thread->joinable());
+    thread->start();
+    thread->waitUntilHeld();
+    EXPECT_TRUE(thread->joinable());
+    thread->letGo();
+    thread->requestStopAndWait();
+    EXPECT_TRUE(thread->ended);
+    EXPECT_FALSE(thread->joinable());
+}
+
+TEST_F(Thread, OnceDetachedIsNotJoined) {
+    thread->start();
+    thread->waitUntilHeld();
+    thread->detach();
+    thread->detach();
+    EXPECT_FALSE(thread->joinable());
+    thread->join();
+    EXPECT_FALSE(thread->ended);
+    thread->letGo();
+    while (!thread->ended)
         std::this_thread::yield();
 }
 
-TEST(Thread, SleepsWholeSecondsAndNanoseconds) {
-    EXPECT_EQ(vfw::timespecOfMilliseconds(1500).tv_sec, 1);
-    EXPECT_EQ(vfw::timespecOfMilliseconds(1500).tv_nsec, 500000000);
-    EXPECT_EQ(vfw::timespecOfMilliseconds(7).tv_sec, 0);
-    EXPECT_EQ(vfw::timespecOfMilliseconds(7).tv_nsec, 7000000);
+TEST(ThreadSleep, IsInWholeSecondsAndNanoseconds) {
+    const auto time = vfw::timespecOfMilliseconds(1507);
+    EXPECT_EQ(time.tv_sec, 1);
+    EXPECT_EQ(time.tv_nsec, 507000000);
 }
 
 }  // namespace

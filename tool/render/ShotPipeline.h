@@ -8,10 +8,49 @@
 #include <optional>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "sweep/ShotReader.h"
 
+#if defined(__SANITIZE_THREAD__)
+#include <sanitizer/tsan_interface.h>
+#endif
+
 namespace orbitwalk::tool {
+
+/// Tells the thread sanitizer, which does not see into oneTBB's library, what that guarantees: that
+/// a step comes after those that it goes on from, and the caller after all. Steps at work side by
+/// side stay unordered, so that what they share is checked. Nothing in other builds.
+class StepOrder {
+  public:
+    StepOrder() { end(); }
+    ~StepOrder() { begin(); }
+
+    /// Lives as long as a step is at work.
+    class Step {
+      public:
+        explicit Step(StepOrder& order) : mOrder(order) { mOrder.begin(); }
+        ~Step() { mOrder.end(); }
+        Step(const Step&) = delete;
+        Step& operator=(const Step&) = delete;
+
+      private:
+        StepOrder& mOrder;
+    };
+
+  private:
+#if defined(__SANITIZE_THREAD__)
+    void begin() {
+        __tsan_acquire(this);
+    }
+    void end() {
+        __tsan_release(this);
+    }
+#else
+    void begin() {}
+    void end() {}
+#endif
+};
 
 /// Works on several shots side by side and takes the results one at a time, in the order of the
 /// shots. What the reader, work or take throws ends it and is passed on.
@@ -21,22 +60,43 @@ namespace orbitwalk::tool {
 /// @param take  is given each result; on any of the threads.
 template <typename Work, typename Take>
 void forEachShot(ShotReader& reader, int threads, const Work& work, const Take& take) {
-    using Result = std::invoke_result_t<const Work&, const ShotFrame&>;
-    using Mode = tbb::filter_mode;
-    const auto read = [&](tbb::flow_control& control) {
-        std::optional<ShotFrame> shown = reader.next();
-        if (!shown)
-            control.stop();
-        return shown ? *std::move(shown) : ShotFrame{};
+    struct Slot {
+        ShotFrame shown;
+        std::optional<std::invoke_result_t<const Work&, const ShotFrame&>> result;
     };
     const int cores = tbb::info::default_concurrency();
-    tbb::task_arena arena(threads > 0 ? std::min(threads, cores) : cores);
-    const auto inMemory = static_cast<std::size_t>(2 * arena.max_concurrency() + 2);
-    arena.execute([&] {
-        tbb::parallel_pipeline(inMemory,
-                               tbb::make_filter<void, ShotFrame>(Mode::serial_in_order, read),
-                               tbb::make_filter<ShotFrame, Result>(Mode::parallel, work),
-                               tbb::make_filter<Result, void>(Mode::serial_in_order, take));
+    const int most = threads > 0 ? std::min(threads, cores) : cores;
+    // The shots pass in order and no more than so many are on their way: a slot is free again.
+    std::vector<Slot> slots(static_cast<std::size_t>(2 * most + 2));
+    StepOrder order;
+    const auto read = [&](tbb::flow_control& control) -> Slot* {
+        const StepOrder::Step step(order);
+        std::optional<ShotFrame> shown = reader.next();
+        if (!shown) {
+            control.stop();
+            return nullptr;
+        }
+        Slot& slot = slots[shown->number % slots.size()];
+        slot.shown = *std::move(shown);
+        return &slot;
+    };
+    const auto workOn = [&](Slot* slot) {
+        const StepOrder::Step step(order);
+        slot->result.emplace(work(slot->shown));
+        slot->shown.frame.reset();
+        return slot;
+    };
+    const auto takeFrom = [&](Slot* slot) {
+        const StepOrder::Step step(order);
+        take(*std::move(slot->result));
+        slot->result.reset();
+    };
+    using Mode = tbb::filter_mode;
+    tbb::task_arena(most).execute([&] {
+        tbb::parallel_pipeline(slots.size(),
+                               tbb::make_filter<void, Slot*>(Mode::serial_in_order, read),
+                               tbb::make_filter<Slot*, Slot*>(Mode::parallel, workOn),
+                               tbb::make_filter<Slot*, void>(Mode::serial_in_order, takeFrom));
     });
 }
 

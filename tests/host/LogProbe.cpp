@@ -1,4 +1,4 @@
-// Logs as its argument says; what comes out is for LogTest to read.
+// Logs as its argument says; what comes out is for PlatformTest to read.
 //   log_probe priorities | threads | raised
 
 #include <OrbitwalkPlatform.h>

@@ -10,6 +10,7 @@
 #include "Clips.h"
 #include "media/AvSupport.h"
 #include "media/ToneMapper.h"
+#include "support/Complaint.h"
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
 
@@ -17,6 +18,7 @@ namespace {
 
 using namespace orbitwalk::media;
 using clips::Frame;
+using test_support::complaintOf;
 using test_support::TestDirectory;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
@@ -262,16 +264,6 @@ TEST(VideoReader, TellsTheDisplayRotationClockwise) {
     }
 }
 
-/// Why reading a file whole fails; empty when it does not.
-std::string complaintOf(const std::filesystem::path& file) {
-    try {
-        test_support::readVideo(file);
-        return {};
-    } catch (const MediaError& error) {
-        return error.what();
-    }
-}
-
 TEST(VideoReader, SaysInOneLineWhichFileItCannotRead) {
     const std::string wav =
         std::string("RIFF\x34\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1f\0\0\x80\x3e\0\0\2\0\x10\0",
@@ -299,11 +291,11 @@ TEST(VideoReader, SaysInOneLineWhichFileItCannotRead) {
     for (const auto& c : cases) {
         const auto file = dir / c.name;
         test_support::writeFile(file, c.bytes);
-        const std::string complaint = complaintOf(file);
+        const auto complaint = complaintOf<MediaError>([&] { test_support::readVideo(file); });
         EXPECT_THAT(complaint, HasSubstr("cannot read " + file.string() + ": " + c.reason));
         EXPECT_EQ(complaint.find('\n'), std::string::npos);
     }
-    EXPECT_EQ(complaintOf(dir / "missing.mp4"),
+    EXPECT_EQ(complaintOf<MediaError>([&] { VideoReader(dir / "missing.mp4"); }),
               "cannot read " + (dir / "missing.mp4").string() + ": No such file or directory");
 }
 

@@ -1,16 +1,22 @@
 #include "media/VideoWriter.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+
 #include "Clips.h"
+#include "media/AvSupport.h"
+#include "media/VideoEncoder.h"
 #include "media/VideoReader.h"
+#include "support/Complaint.h"
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
 
 namespace {
 
 using namespace orbitwalk::media;
+using test_support::complaintOf;
 using test_support::TestDirectory;
 
 EncoderSettings small() {
@@ -74,15 +80,6 @@ TEST(VideoWriter, LowerQualityFactorMeansMoreBytesAndACloserPicture) {
     EXPECT_GT(bytes[0], 2 * bytes[1]);
 }
 
-std::string complaintOf(const std::function<void()>& action) {
-    try {
-        action();
-        return {};
-    } catch (const MediaError& error) {
-        return error.what();
-    }
-}
-
 void writeNoise(VideoWriter& writer) {
     for (int i = 0; i < 100; ++i)
         writer.write(clips::noise(96, 64, i));
@@ -97,7 +94,7 @@ TEST(VideoWriter, AFailureIsSaidAgainByEveryLaterCall) {
     for (const auto& call : {std::function([&] { writeNoise(fragments); }),
                              std::function([&] { fragments.write(clips::noise(96, 64, 0)); }),
                              std::function([&] { fragments.finish(); })})
-        EXPECT_EQ(complaintOf(call), "cannot write the video: No space left on device");
+        EXPECT_EQ(complaintOf<MediaError>(call), "cannot write the video: No space left on device");
 }
 
 TEST(VideoWriter, AWholeFileThatCannotBeWrittenIsSaid) {
@@ -108,7 +105,7 @@ TEST(VideoWriter, AWholeFileThatCannotBeWrittenIsSaid) {
         VideoWriter writer(readOnly, small());
         writeNoise(writer);
     };
-    EXPECT_EQ(complaintOf(record), "cannot write the video: Bad file descriptor");
+    EXPECT_EQ(complaintOf<MediaError>(record), "cannot write the video: Bad file descriptor");
     std::fclose(readOnly);
 }
 
@@ -121,6 +118,70 @@ TEST(VideoWriter, RefusesAWholeFileOnAPipeAndAFrameOfTheWrongSize) {
     EXPECT_THROW(writer.write(clips::movingWaves(96, 62, 0)), MediaError);
     EXPECT_NO_THROW(writer.write(clips::movingWaves(96, 64, 0)));
     EXPECT_NO_THROW(writer.finish());
+}
+
+TEST(VideoEncoder, PrefersX264AndEndsWithMpeg4) {
+    const auto candidates = encoderCandidates();
+    ASSERT_GE(candidates.size(), 2u);
+    EXPECT_STREQ(candidates.front()->name, "libx264");
+    EXPECT_EQ(candidates.back()->id, AV_CODEC_ID_MPEG4);
+}
+
+TEST(VideoEncoder, Mpeg4EncodesWithARateAndWithAQuality) {
+    const AVCodec* mpeg4 = avcodec_find_encoder(AV_CODEC_ID_MPEG4);
+    for (const std::int64_t bitRate : {0, 1'000'000}) {
+        EncoderSettings settings = small();
+        settings.bitRate = bitRate;
+        const CodecPtr codec = openEncoder({mpeg4}, settings);
+        const FramePtr frame = makeFrame();
+        frame->format = codec->pix_fmt;
+        frame->width = codec->width;
+        frame->height = codec->height;
+        ASSERT_EQ(av_frame_get_buffer(frame.get(), 0), 0);
+        for (int plane = 0; plane < 3; ++plane)
+            std::fill_n(frame->data[plane], frame->linesize[plane] * (plane == 0 ? 64 : 32), 128);
+        const PacketPtr packet = makePacket();
+        for (int i = 0; i < 31; ++i) {
+            frame->pts = i;
+            ASSERT_EQ(avcodec_send_frame(codec.get(), frame.get()), 0);
+            ASSERT_EQ(avcodec_receive_packet(codec.get(), packet.get()), 0);
+            EXPECT_EQ((packet->flags & AV_PKT_FLAG_KEY) != 0, i % 15 == 0) << i;
+        }
+    }
+}
+
+TEST(VideoEncoder, GoesOnToTheNextWhenOneDoesNotAcceptTheSettings) {
+    silenceLibav();
+    // GIF takes no 4:2:0 pictures.
+    const AVCodec* refuses = avcodec_find_encoder(AV_CODEC_ID_GIF);
+    const AVCodec* mpeg4 = avcodec_find_encoder(AV_CODEC_ID_MPEG4);
+    const CodecPtr codec = openEncoder({refuses, mpeg4}, small());
+    EXPECT_EQ(codec->codec_id, AV_CODEC_ID_MPEG4);
+    EXPECT_THROW(openEncoder({refuses}, small()), MediaError);
+    EXPECT_THROW(openEncoder({}, small()), MediaError);
+}
+
+// What a host can ask of the MP4 writer is checked there.
+TEST(EncoderSettings, EachSettingHasItsRange) {
+    const struct {
+        const char* name;
+        void (*spoil)(EncoderSettings&);
+    } cases[] = {
+        {"frame size 96x-2", [](EncoderSettings& s) { s.height = -2; }},
+        {"frame size 96x16386", [](EncoderSettings& s) { s.height = 16386; }},
+        {"frame rate 30000/-1", [](EncoderSettings& s) { s.frameRate.denominator = -1; }},
+        {"bit rate 999", [](EncoderSettings& s) { s.bitRate = 999; }},
+        {"quality 52", [](EncoderSettings& s) { s.quality = 52; }},
+        {"threads -1", [](EncoderSettings& s) { s.threads = -1; }},
+        {"rotation 45", [](EncoderSettings& s) { s.rotation = 45; }},
+    };
+    EXPECT_NO_THROW(validate(small()));
+    for (const auto& c : cases) {
+        EncoderSettings settings = small();
+        c.spoil(settings);
+        EXPECT_EQ(complaintOf<MediaError>([&] { validate(settings); }),
+                  std::string("cannot record with ") + c.name);
+    }
 }
 
 }  // namespace

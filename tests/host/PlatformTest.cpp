@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/system_properties.h>
 
+#include <cstdlib>
 #include <set>
 
 #include "support/CommandOutput.h"
@@ -16,6 +18,7 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::UnorderedElementsAre;
 using Lines = std::vector<std::string>;
 
 /// What the probe prints on stdout and stderr under an environment.
@@ -108,6 +111,48 @@ TEST(LogListener, HearsEveryLineWholeWhateverTheLevel) {
     EXPECT_EQ(__android_log_print(ANDROID_LOG_FATAL, "TAG", "unheard"), 0);
     EXPECT_THAT(heard, ElementsAre(Heard{ANDROID_LOG_VERBOSE, "TAG", longText},
                                    Heard{ANDROID_LOG_INFO, "", "no tag, two newlines\n"}));
+}
+
+std::string property(const char* name) {
+    char value[PROP_VALUE_MAX];
+    const int length = __system_property_get(name, value);
+    EXPECT_EQ(std::string(value).size(), std::size_t(length));
+    return value;
+}
+
+TEST(SystemProperty, BuildTypeComesFromTheEnvironment) {
+    unsetenv("ORBITWALK_BUILD_TYPE");
+    EXPECT_EQ(property("ro.build.type"), "user");
+    setenv("ORBITWALK_BUILD_TYPE", "eng", 1);
+    EXPECT_EQ(property("ro.build.type"), "eng");
+    setenv("ORBITWALK_BUILD_TYPE", std::string(500, 'x').c_str(), 1);
+    EXPECT_EQ(property("ro.build.type"), std::string(PROP_VALUE_MAX - 1, 'x'));
+    unsetenv("ORBITWALK_BUILD_TYPE");
+}
+
+TEST(SystemProperty, OthersAreEmptyAndNullsAreHarmless) {
+    EXPECT_EQ(property("ro.product.model"), "");
+    EXPECT_EQ(property(nullptr), "");
+    EXPECT_EQ(__system_property_get("ro.build.type", nullptr), 0);
+}
+
+TEST(HostSymbols, EachLibraryExportsItsCallsAndNothingElse) {
+    EXPECT_THAT(linesOf("nm -D -j --defined-only " PLATFORM_LIBRARY),
+                UnorderedElementsAre("__android_log_print", "__system_property_get",
+                                     "OrbitwalkSetLogListener", "OrbitwalkSetLogLevel"));
+    EXPECT_THAT(linesOf("nm -D -j --defined-only " WRITER_LIBRARY),
+                UnorderedElementsAre("InitMP4Engine", "EncodeFrame", "DeInitMP4Engine",
+                                     "WaitMP4EngineFrames"));
+}
+
+TEST(HostSymbols, EachLibraryIsFoundByANameThatAnotherCanTake) {
+    EXPECT_THAT(linesOf("readelf -d " PLATFORM_LIBRARY " | grep SONAME"),
+                ElementsAre(HasSubstr("[libOrbitwalkPlatform.so]")));
+    EXPECT_THAT(linesOf("readelf -d " WRITER_LIBRARY " | grep SONAME"),
+                ElementsAre(HasSubstr("[libOrbitwalkMP4Writer.so]")));
+    // RPATH, unlike RUNPATH, would come before LD_LIBRARY_PATH.
+    EXPECT_THAT(linesOf("readelf -d " WRITER_LIBRARY " | grep -c '(RPATH)' || true"),
+                ElementsAre("0"));
 }
 
 }  // namespace

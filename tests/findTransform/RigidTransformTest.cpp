@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "PointSets.h"
+#include "Scene.h"
 #include "findTransform/2D/RigidFit.h"
 #include "findTransform/2D/RigidTransform.h"
 #include "orbitwalk/MotionKernels.h"
@@ -120,6 +121,101 @@ TEST(RigidTransform, TakesPointsOfAnyNumericTypeAndShape) {
     const cv::Mat column = wide.col(1);
     expectTransform(orbitwalk::rigidTransform(column, column + cv::Scalar(7, 7), false), pan, 1e-6,
                     1e-4);
+}
+
+// Of the generator x -> (x mod 2^32) * 4164903690 + (x div 2^32) that starts at 64 ones: its first
+// outputs modulo 50 are 5 4 40 23 31 12 1 30 23 10 35 44 46 49 18 3 46 20 18 20, modulo 5 are
+// 0 4 0 3 1 2 1 0, modulo 8 are 5 4 7.
+TEST(RigidSample, DrawsFromTheGeneratorInOrder) {
+    const Points points = onCircle(50);
+    cv::RNG random(~std::uint64_t{0});
+    for (const orbitwalk::SampleIndices& expected : std::vector<orbitwalk::SampleIndices>{
+             {5, 4, 40}, {23, 31, 12}, {1, 30, 23}, {10, 35, 44}, {46, 49, 18}, {3, 46, 20}})
+        EXPECT_EQ(orbitwalk::drawSample(random, points, points), expected);
+}
+
+TEST(RigidSample, DrawsAnUnsuitableIndexAgain) {
+    const auto first = [](const Points& a, const Points& b) {
+        cv::RNG random(~std::uint64_t{0});
+        return orbitwalk::drawSample(random, a, b);
+    };
+    using Sample = orbitwalk::SampleIndices;
+    EXPECT_EQ(first(onCircle(5), onCircle(5)), (Sample{0, 4, 3})) << "0 is in the sample already";
+
+    const Points points = onCircle(50);
+    Points changed = points;
+    changed[4] = changed[5];
+    EXPECT_EQ(first(points, changed), (Sample{5, 40, 23})) << "4 coincides with 5";
+    changed = points;
+    changed[40] = 2 * changed[4] - changed[5];
+    EXPECT_EQ(first(points, changed), (Sample{5, 4, 23})) << "40 is in line with 5 and 4";
+    EXPECT_EQ(first(changed, points), (Sample{5, 4, 23}));
+    EXPECT_EQ(first(Points(50, {1, 1}), points), std::nullopt);
+}
+
+TEST(RigidLeastSquares, GivesTheFitsWorkedOutByHand) {
+    cv::Mat m(2, 3, CV_64F);
+    // Normal equations 2c+tx+ty=3, 2s-tx+ty=0, c-s+3tx=1, c+s+3ty=2.
+    const Points corner = {{0, 0}, {1, 0}, {0, 1}}, stretched = {{0, 0}, {1, 0}, {0, 2}};
+    orbitwalk::getRTMatrix(corner.data(), stretched.data(), 3, m, false);
+    expectTransform(m, {1.5, 0.25, -0.25, -0.25, 1.5, 0.25}, 1e-12, 1e-12);
+    // Only (x, y, 1) can be fitted: the square's alternating residual of 1 remains.
+    const Points square = {{0, 0}, {2, 0}, {0, 2}, {2, 2}},
+                 pulled = {{0, 0}, {2, 0}, {0, 2}, {6, 2}};
+    orbitwalk::getRTMatrix(square.data(), pulled.data(), 4, m, true);
+    expectTransform(m, {2, 1, -1, 0, 1, 0}, 1e-12, 1e-12);
+}
+
+TEST(RigidLeastSquares, FormsProductsInSinglePrecision) {
+    // 4097^2 needs 25 bits: as a float it is 16785408, one less. With b = a the sums T0 and S00
+    // agree whatever their width; with b = 1 px instead, c = T0/S00 shows it.
+    const cv::Point2f a[] = {{4097, 0}, {-4097, 0}}, b[] = {{1, 0}, {-1, 0}};
+    cv::Mat m(2, 3, CV_64F);
+    orbitwalk::getRTMatrix(a, b, 2, m, false);
+    EXPECT_NEAR(m.at<double>(0, 0), 4097.0 / 16785408.0, 1e-13);
+}
+
+TEST(RigidTransform, TracksAGridBetweenImages) {
+    const Scene scene;
+    const auto image = [&](int width, int height, double x, double y) {
+        const auto luma = scene.frame(width, height, {x, y, 0});
+        return cv::Mat(height, width, CV_8UC1, const_cast<unsigned char*>(luma.data())).clone();
+    };
+    const cv::Matx23d pan(1, 0, 3, 0, 1, 2);
+    const cv::Mat first = image(160, 120, 0, 0), second = image(160, 120, 3, 2);
+    // The tracker stops at steps of 0.1 px, and the grid's outer points look past the border.
+    for (const bool fullAffine : {false, true})
+        expectTransform(cv::estimateRigidTransform(first, second, fullAffine), pan, 0.01, 0.5);
+    cv::Mat firstColour, secondColour;
+    cv::merge(std::vector<cv::Mat>(3, first), firstColour);
+    cv::merge(std::vector<cv::Mat>(3, second), secondColour);
+    expectTransform(cv::estimateRigidTransform(firstColour, secondColour, false), pan, 0.01, 0.5);
+    // Half size: (6, 4) px are (3, 2) there, and that is divided by 2.
+    expectTransform(cv::estimateRigidTransform(image(320, 240, 0, 0), image(320, 240, 6, 4), false),
+                    {1, 0, 1.5, 0, 1, 1}, 0.01, 0.25);
+    for (const cv::Size size : {cv::Size(1, 1), cv::Size(3, 300), cv::Size(4000, 1)}) {
+        const cv::Mat flat(size, CV_8UC1, cv::Scalar(9));
+        EXPECT_TRUE(cv::estimateRigidTransform(flat, flat, false).empty());
+    }
+}
+
+TEST(MotionKernels, AreOpenCVsTrackerAndSelector) {
+    const Scene scene;
+    auto luma = scene.frame(200, 150, {}), moved = scene.frame(200, 150, {2, 1, 0});
+    const cv::Mat image(150, 200, CV_8UC1, luma.data()), next(150, 200, CV_8UC1, moved.data());
+    Points corners, tracked;
+    cv::Mat inner(image.size(), CV_8UC1, cv::Scalar(0));  // none whose window leaves the image
+    inner(cv::Range(30, 120), cv::Range(30, 170)) = 255;
+    NURV::goodFeaturesToTrack(image, corners, 5, 0.05, 10, inner);
+    ASSERT_EQ(corners.size(), 5u);
+    std::vector<unsigned char> status;
+    NURV::calcOpticalFlowPyrLK(image, next, corners, tracked, status, cv::noArray());
+    ASSERT_THAT(status, testing::Each(1));
+    for (std::size_t i = 0; i < corners.size(); ++i)  // grey levels are rounded: 0.2 px
+        EXPECT_LT(cv::norm(tracked[i] - corners[i] - cv::Point2f(2, 1)), 0.2);
+    std::vector<cv::Mat> pyramid;
+    EXPECT_EQ(NURV::buildOpticalFlowPyramid(image, pyramid, cv::Size(21, 21), 2), 2);
+    EXPECT_EQ(pyramid.size(), 6u) << "each level with its derivatives";
 }
 
 }  // namespace

@@ -108,6 +108,30 @@ TEST_F(Refined, MeasuresTheTrueMotionAndLeavesTheEnginesFilesAlone) {
     EXPECT_EQ(fs::file_size(sweep / "refined.obw"), 52808u);
 }
 
+TEST_F(Refined, IsTheSameWhenItIsMadeWhileCapturing) {
+    refine({"--keep", "0.9"});
+    const auto capture = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), {"capture", *sDirectory / "clip.mp4", "-o", own / "both"});
+        return runTool(more);
+    };
+    for (const std::vector<std::string>& wrong :
+         {std::vector<std::string>{"--keep", "0.9"}, {"--refine", "--keep", "0"}})
+        EXPECT_EQ(capture(wrong).exitCode, 2);
+    EXPECT_EQ(capture({"--refine", "--skip", "0-23"}).exitCode, 1) << "nothing to plan for";
+    EXPECT_FALSE(fs::exists(own / "both"));
+
+    const ToolRun both = capture({"--refine", "--keep", "0.9", "--json"});
+    ASSERT_EQ(both.exitCode, 0) << both.err;
+    for (const char* name : {"sweep.mp4", "sweep.obw", "sweep.csv", "refined.obw", "refined.csv"})
+        EXPECT_EQ(contentOf(own / "both" / name), contentOf(sweep / name)) << name;
+    json said = json::parse(both.out).at("refined");
+    json alone = json::parse(contentOf(sweep / "refined.json"));
+    EXPECT_EQ(said, json::parse(contentOf(own / "both/refined.json")));
+    for (json* summary : {&said, &alone})
+        summary->erase("seconds");
+    EXPECT_EQ(said, alone);
+}
+
 TEST_F(Refined, ReplansFromTheMotionsThatItSaved) {
     const json first = refine({"--keep", "0.9"});
     const std::string motions = contentOf(sweep / "refined.csv");

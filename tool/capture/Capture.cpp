@@ -14,6 +14,7 @@
 #include "sweep/SweepFiles.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
+#include "terminal/Stopwatch.h"
 #include "terminal/ToolError.h"
 
 namespace fs = std::filesystem;
@@ -100,9 +101,11 @@ void fillFromPath(Summary& summary, const std::vector<Trajectory>& path,
                             : selection.direction;
 }
 
+/// @param measurer  of the refinement, if there is to be one.
 Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& session,
-             StageSeconds& seconds) {
-    Feed feed = feedVideo(video, session, options.realtime, seconds);
+             StageSeconds& seconds, std::optional<FrameMeasurer>& measurer) {
+    Feed feed = measurer ? feedVideo(video, session, options.realtime, seconds, std::ref(*measurer))
+                         : feedVideo(video, session, options.realtime, seconds);
     if (feed.path.empty())
         throw options.start || options.duration
             ? UsageError("--start and --duration leave no frame of " + options.video.string())
@@ -117,8 +120,21 @@ media::VideoReader openVideo(const CaptureOptions& options) {
                                .interrupted = [] { return SignalGuard::received() != 0; }});
 }
 
+struct SessionResult {
+    CaptureResult capture;
+    RecordReader record;
+    std::optional<MeasuredMotions> motions;  ///< For the refinement.
+};
+
+RecordReader reopened(std::span<const char> record) {
+    auto opened = RecordReader::open(std::as_bytes(record));
+    if (const auto* refusal = std::get_if<RecordRefusal>(&opened))
+        throw ToolError("the engine wrote no motion record: " + refusal->text);
+    return std::get<RecordReader>(std::move(opened));
+}
+
 /// Runs the session to its end and writes what it gave.
-CaptureResult runSession(const CaptureOptions& options, media::VideoReader& video,
+SessionResult runSession(const CaptureOptions& options, media::VideoReader& video,
                          OutputFiles& outputs) {
     CaptureResult result;
     Summary& summary = result.summary;
@@ -132,7 +148,10 @@ CaptureResult runSession(const CaptureOptions& options, media::VideoReader& vide
                      .frontCameraFlipped = options.frontCameraFlipped,
                      .mp4Name = options.directory / kSweepVideoName},
                     mp4);
-    const Feed feed = feedAll(options, video, session, summary.seconds);
+    std::optional<FrameMeasurer> measurer;
+    if (options.refine)
+        measurer.emplace(FrameSize{video.width(), video.height()});
+    const Feed feed = feedAll(options, video, session, summary.seconds, measurer);
     const SweepSelection selection =
         selectRange(options.range, feed.path, orientation, options.frontCameraFlipped);
     ProgressBar bar("finishing", 100);
@@ -158,33 +177,42 @@ CaptureResult runSession(const CaptureOptions& options, media::VideoReader& vide
     summary.sweepPath = files.path;
     summary.sweepSummary = files.summary;
     fillPostProcessing(summary.seconds, session);
-    return result;
+    std::optional<MeasuredMotions> motions;
+    if (measurer)
+        motions = std::move(*measurer).motions(options.video.filename().string());
+    return {std::move(result), reopened(recordBytes), std::move(motions)};
 }
 
 }  // namespace
 
 CaptureResult captureSweep(const CaptureOptions& options) {
+    if (options.refine)
+        requireUsable(*options.refine);
     const SignalGuard signals;
+    const Stopwatch total;
     OutputFiles outputs(options.replaceForeign);
     outputs.makeDirectory(options.directory);
-    double seconds = 0;
-    CaptureResult result;
-    try {
-        result = timed(seconds, [&] {
+    SessionResult session = [&] {
+        try {
             media::VideoReader video = openVideo(options);
             refuseToReplaceTheSource(options);
             const EngineTempDirectory temporary;
             return runSession(options, video, outputs);
-        });
-    } catch (const media::MediaError&) {
-        SignalGuard::check();
-        throw;
-    }
-    result.summary.seconds.total = seconds;
+        } catch (const media::MediaError&) {
+            SignalGuard::check();
+            throw;
+        }
+    }();
+    CaptureResult& result = session.capture;
+    result.summary.seconds.total = total.seconds();
     outputs.write(options.directory / kSweepSummaryName, toJsonText(result.summary));
+    if (session.motions)
+        result.refined =
+            writeRefinement(outputs, SweepFiles(options.directory), *session.motions,
+                            session.record, result.summary.checksums.record, *options.refine);
     SignalGuard::check();
     outputs.commit();
-    return result;
+    return std::move(result);
 }
 
 }  // namespace orbitwalk::tool

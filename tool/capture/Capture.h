@@ -6,6 +6,7 @@
 
 #include "capture/Notes.h"
 #include "capture/SweepRange.h"
+#include "refine/Refinement.h"
 #include "sweep/Summary.h"
 
 namespace orbitwalk::tool {
@@ -19,17 +20,20 @@ struct CaptureOptions {
     bool frontCameraFlipped = false;
     RangeOptions range;  ///< Counts the frames that start and duration leave.
     bool realtime = false;
-    bool replaceForeign = false;  ///< Files that the tool did not write may be replaced.
+    std::optional<PlanWish> refine;  ///< Refines the sweep too, from the same decoded frames.
+    bool replaceForeign = false;     ///< Files that the tool did not write may be replaced.
 };
 
 struct CaptureResult {
     Summary summary;
     VideoFacts video;
+    std::optional<RefinedSummary> refined;  ///< When it was asked for.
 };
 
 /// Captures a video into sweep.mp4, sweep.obw, sweep.csv and sweep.json, the summary, in the
-/// directory. They appear together when all are complete; a capture that fails or is interrupted by
-/// a signal leaves nothing behind. On the main thread. @throws ToolError, MediaError.
+/// directory, and with them what refineSweep would write of the video. They appear together when
+/// all are complete; a capture that fails or is interrupted by a signal leaves nothing behind. On
+/// the main thread. @throws ToolError, MediaError.
 CaptureResult captureSweep(const CaptureOptions& options);
 
 }  // namespace orbitwalk::tool

@@ -1,6 +1,7 @@
 #include "capture/FrameFeed.h"
 
 #include <algorithm>
+#include <future>
 #include <thread>
 
 #include "terminal/ProgressBar.h"
@@ -34,9 +35,16 @@ class Pace {
     std::chrono::duration<double> mInterval;
 };
 
+/// The result is waited for where it goes out of scope, too: the frame outlives the work on it.
+std::future<void> begin(const BesideEngine& work, std::span<const std::uint8_t> frame) {
+    return work ? std::async(std::launch::async, [&work, frame] { work(frame); })
+                : std::future<void>();
+}
+
 }  // namespace
 
-Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds) {
+Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds,
+               const BesideEngine& besideEngine) {
     ProgressBar bar("capturing", std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES));
     const Pace pace(video.frameRate());
     Feed feed;
@@ -49,10 +57,13 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, Stage
         SignalGuard::check();
         if (realtime)
             pace.waitFor(feed.path.size());
+        std::future<void> beside = begin(besideEngine, frame);
         const Trajectory point = timed(seconds.measure, [&] { return session.measure(frame); });
         while (!timed(seconds.waitForEncoder, [&] { return session.waitForRoom(kSignalPatience); }))
             SignalGuard::check();
         timed(seconds.feed, [&] { session.feed(frame, point); });
+        if (beside.valid())
+            beside.get();
         feed.path.push_back(point);
         bar.update(static_cast<std::int64_t>(feed.path.size()));
     }

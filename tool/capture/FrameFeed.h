@@ -1,6 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
+#include <span>
 #include <vector>
 
 #include "capture/Session.h"
@@ -27,10 +30,14 @@ struct Feed {
     bool truncated = false;        ///< The video has more frames than a sweep can hold.
 };
 
+/// Told of every frame that is fed, I420, in order, on another thread while the engine works on it.
+using BesideEngine = std::function<void(std::span<const std::uint8_t> frame)>;
+
 /// Decodes the video and gives each frame to the session, at most as many as a sweep can hold.
 /// @param realtime  paces the frames at the video's rate; otherwise they come as fast as the
 /// encoder takes them.
-/// @throws ToolError, also on a signal; MediaError.
-Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds);
+/// @throws ToolError, also on a signal; MediaError; what besideEngine throws.
+Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds,
+               const BesideEngine& besideEngine = {});
 
 }  // namespace orbitwalk::tool

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "OrbitwalkPlatform.h"
@@ -23,6 +24,8 @@ struct Arguments {
     std::string direction = "auto";
     std::string skip;
     std::string logLevel;
+    bool refine = false;
+    PlanWish wish;
 };
 
 const std::map<std::string, int> kLogLevels{
@@ -36,6 +39,13 @@ std::optional<std::chrono::microseconds> timeOf(const char* option, const std::s
     if (!time || time->count() < 0)
         throw UsageError(std::string(option) + ": no time such as 12.5 or 1:02.5: " + text);
     return time;
+}
+
+/// The JSON of a capture, and in it that of its refinement.
+std::string withRefined(const std::string& summary, const RefinedSummary& refined) {
+    auto json = nlohmann::ordered_json::parse(summary);
+    json["refined"] = toJson(refined);
+    return json.dump(2) + "\n";
 }
 
 void run(Arguments arguments) {
@@ -52,12 +62,18 @@ void run(Arguments arguments) {
     arguments.capture.start = timeOf("--start", arguments.start);
     arguments.capture.duration = timeOf("--duration", arguments.duration);
     arguments.capture.replaceForeign = arguments.common.force;
-    const auto [summary, video] = captureSweep(arguments.capture);
+    if (arguments.refine)
+        arguments.capture.refine = arguments.wish;
+    const auto [summary, video, refined] = captureSweep(arguments.capture);
     for (const std::string& note : notesOn(summary, video))
         printNote(note);
     for (const std::string& warning : warningsOf(summary, video))
         printWarning(warning);
-    printSummary(arguments.common, toJsonText(summary), toText(summary));
+    if (refined)
+        printSummary(arguments.common, withRefined(toJsonText(summary), *refined),
+                     toText(summary) + toText(*refined));
+    else
+        printSummary(arguments.common, toJsonText(summary), toText(summary));
 }
 
 }  // namespace
@@ -91,6 +107,14 @@ void addCaptureCommand(CLI::App& app) {
     command->add_option("--last", capture.range.last, "Last frame to render, counted likewise");
     command->add_option("--skip", arguments->skip, "Frames not to render, as in 3,7,10-14");
     command->add_flag("--realtime", capture.realtime, "Feed frames at the video's own rate");
+    auto* refine = command->add_flag(
+        "--refine", arguments->refine,
+        "Refine the sweep as well, from the same decoded frames: refined.obw, .csv and .json");
+    command
+        ->add_option("--keep", arguments->wish.keep,
+                     "Share of the width and height that the refined crop keeps; without it the "
+                     "largest crop that leaves a twentieth of the shake")
+        ->needs(refine);
     command->add_option("--log-level", arguments->logLevel, "Show the engine's log")
         ->check(CLI::IsMember(&kLogLevels));
     addCommonOptions(*command, arguments->common, Writes::Files);

@@ -1,6 +1,7 @@
 #include "refine/Refinement.h"
 
 #include <cmath>
+#include <stdexcept>
 #include <string>
 
 #include "files/OutputFiles.h"
@@ -18,12 +19,6 @@ namespace orbitwalk::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct MeasuredMotions {
-    std::vector<refine::FrameMotion> motions;
-    std::string video;   ///< Name of the file that they were measured in.
-    double seconds = 0;  ///< That it took; 0 where they were there already.
-};
 
 /// The captured video while it is the file that the sweep was made of, else what the sweep kept of
 /// it: the encoder softens, and a frame's motion with it.
@@ -76,11 +71,10 @@ refine::PathPlan planned(std::span<const refine::FrameMotion> motions, FrameSize
     return required(refine::planForSteadiness(motions, size, wish.steadiness * recorded, options));
 }
 
-RefinedSummary summaryOf(const Sweep& sweep, const RefinedSweep& refined) {
-    const refine::PathPlan& plan = refined.plan;
+RefinedSummary summaryOf(int frames, const refine::PathPlan& plan) {
     RefinedSummary summary;
     summary.size = plan.size;
-    summary.frames = sweep.record.frameCount();
+    summary.frames = frames;
     summary.rendered = static_cast<int>(plan.shown.size());
     summary.crop = plan.crop;
     summary.keep = static_cast<double>(plan.crop.width) / plan.size.width;
@@ -95,7 +89,28 @@ std::span<const char> charsOf(const std::vector<std::byte>& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+refine::MotionEstimator estimatorFor(FrameSize size) {
+    try {
+        return refine::MotionEstimator(size);
+    } catch (const std::invalid_argument& refusal) {
+        throw ToolError(std::string("the sweep cannot be refined: ") + refusal.what());
+    }
+}
+
 }  // namespace
+
+FrameMeasurer::FrameMeasurer(FrameSize size) : mSize(size), mEstimator(estimatorFor(size)) {}
+
+void FrameMeasurer::operator()(std::span<const std::uint8_t> frame) {
+    const Stopwatch watch;
+    mMotions.motions.push_back(mEstimator.next({frame.data(), mSize.width, mSize}));
+    mMotions.seconds += watch.seconds();
+}
+
+MeasuredMotions FrameMeasurer::motions(std::string video) && {
+    mMotions.video = std::move(video);
+    return std::move(mMotions);
+}
 
 void requireUsable(const PlanWish& wish) {
     if (wish.keep && !(*wish.keep > 0 && *wish.keep <= 1))
@@ -108,23 +123,23 @@ std::vector<refine::FrameMotion> measureVideo(const fs::path& video, FrameSize s
                                               int frames, const Measured& measured) {
     media::VideoReader reader(video);
     requireSize(video, {reader.width(), reader.height()}, {size.width, size.height});
-    refine::MotionEstimator estimator(size);
-    std::vector<refine::FrameMotion> motions;
+    FrameMeasurer measurer(size);
     std::vector<std::uint8_t> pixels;
-    for (int read = 0; std::ssize(motions) < frames && reader.read(pixels); ++read) {
+    for (int read = 0; measurer.measured() < frames && reader.read(pixels); ++read) {
         if (read < firstFrame)
             continue;
-        motions.push_back(estimator.next({pixels.data(), size.width, size}));
-        measured(static_cast<int>(motions.size()));
+        measurer(pixels);
+        measured(measurer.measured());
     }
-    if (std::ssize(motions) < frames)
-        requireFrameCount(video, firstFrame + static_cast<int>(motions.size()),
-                          firstFrame + frames);
-    return motions;
+    if (measurer.measured() < frames)
+        requireFrameCount(video, firstFrame + measurer.measured(), firstFrame + frames);
+    return std::move(measurer).motions(video.filename().string()).motions;
 }
 
 RefinedSweep planSweep(std::span<const refine::FrameMotion> motions, const RecordReader& record,
                        const PlanWish& wish) {
+    if (renderedFrames(record.raw()) == 0)
+        throw ToolError("the sweep cannot be refined: its record renders no frame");
     const refine::RecordFacts facts = refine::factsOf(record);
     refine::PathPlan plan =
         planned(motions, facts.size, {.shown = refine::shownFrames(facts)}, wish);
@@ -132,25 +147,33 @@ RefinedSweep planSweep(std::span<const refine::FrameMotion> motions, const Recor
     return {std::move(plan), std::move(bytes)};
 }
 
+RefinedSummary writeRefinement(OutputFiles& outputs, const SweepFiles& files,
+                               const MeasuredMotions& measured, const RecordReader& record,
+                               const std::string& engineRecord, const PlanWish& wish) {
+    const Stopwatch planning;
+    const RefinedSweep refined = planSweep(measured.motions, record, wish);
+    RefinedSummary summary = summaryOf(record.frameCount(), refined.plan);
+    summary.video = measured.video;
+    summary.seconds = {measured.seconds, planning.seconds(), measured.seconds + planning.seconds()};
+    const std::string csv = motionCsv(measured.motions);
+    summary.engineRecord = engineRecord;
+    summary.motions = sha256(csv);
+    summary.record = sha256(charsOf(refined.record));
+    outputs.write(files.refinedRecord, charsOf(refined.record));
+    outputs.write(files.refinedPath, csv);
+    outputs.write(files.refinedSummary, toJsonText(summary));
+    return summary;
+}
+
 RefinedSummary refineSweep(const RefineOptions& options) {
     requireUsable(options.wish);
     const SignalGuard signals;
-    const Stopwatch total;
     const Sweep sweep = openSweep(options.directory);
-    MeasuredMotions measured = options.replan ? formerMotions(options.directory) : motionsOf(sweep);
-    const Stopwatch planning;
-    const RefinedSweep refined = planSweep(measured.motions, sweep.record, options.wish);
-    RefinedSummary summary = summaryOf(sweep, refined);
-    summary.video = measured.video;
-    summary.seconds = {measured.seconds, planning.seconds(), total.seconds()};
-    const std::string csv = motionCsv(measured.motions);
-    summary.engineRecord = sha256OfFile(sweep.files.record);
-    summary.motions = sha256(csv);
-    summary.record = sha256(charsOf(refined.record));
+    const MeasuredMotions measured =
+        options.replan ? formerMotions(options.directory) : motionsOf(sweep);
     OutputFiles outputs(options.force);
-    outputs.write(sweep.files.refinedRecord, charsOf(refined.record));
-    outputs.write(sweep.files.refinedPath, csv);
-    outputs.write(sweep.files.refinedSummary, toJsonText(summary));
+    const RefinedSummary summary = writeRefinement(outputs, sweep.files, measured, sweep.record,
+                                                   sha256OfFile(sweep.files.record), options.wish);
     SignalGuard::check();
     outputs.commit();
     return summary;

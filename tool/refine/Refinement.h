@@ -5,8 +5,11 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
+#include "files/OutputFiles.h"
+#include "orbitwalk/refine/MotionEstimator.h"
 #include "orbitwalk/refine/PathPlanner.h"
 #include "sweep/RefinedSummary.h"
 #include "sweep/Sweep.h"
@@ -24,6 +27,29 @@ struct PlanWish {
 
 /// @throws UsageError for a keep or a steadiness that cannot be.
 void requireUsable(const PlanWish& wish);
+
+struct MeasuredMotions {
+    std::vector<refine::FrameMotion> motions;
+    std::string video;   ///< Name of the file that they were measured in.
+    double seconds = 0;  ///< That it took; 0 where they were there already.
+};
+
+/// Measures frames as they come. One thread at a time.
+class FrameMeasurer {
+  public:
+    /// @throws ToolError for frames too small to measure in.
+    explicit FrameMeasurer(FrameSize size);
+    /// @param frame  I420.
+    void operator()(std::span<const std::uint8_t> frame);
+    int measured() const { return static_cast<int>(mMotions.motions.size()); }
+    /// The motions of all frames. @param video  the name to give their source.
+    MeasuredMotions motions(std::string video) &&;
+
+  private:
+    FrameSize mSize;
+    refine::MotionEstimator mEstimator;
+    MeasuredMotions mMotions;
+};
 
 /// Tells the number of frames measured so far, and may throw.
 using Measured = std::function<void(int)>;
@@ -43,6 +69,13 @@ struct RefinedSweep {
 /// @throws ToolError with the planner's or the writer's reason.
 RefinedSweep planSweep(std::span<const refine::FrameMotion> motions, const RecordReader& record,
                        const PlanWish& wish);
+
+/// Plans, and begins refined.obw, refined.csv and refined.json: the caller commits them.
+/// @param record  the sweep's, of which engineRecord is the checksum.
+/// @throws ToolError; see planSweep.
+RefinedSummary writeRefinement(OutputFiles& outputs, const SweepFiles& files,
+                               const MeasuredMotions& measured, const RecordReader& record,
+                               const std::string& engineRecord, const PlanWish& wish);
 
 struct RefineOptions {
     std::filesystem::path directory;

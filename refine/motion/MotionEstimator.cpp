@@ -6,6 +6,7 @@
 #include <opencv2/core.hpp>
 #include <set>
 #include <stdexcept>
+#include <string>
 
 #include "motion/SimilarityFit.h"
 #include "motion/Tracker.h"
@@ -197,9 +198,10 @@ FrameMotion MotionEstimator::next(const LumaFrame& frame) {
         throw std::invalid_argument("the stride is below the width");
     try {
         return mState->next(frame);
-    } catch (const cv::Exception&) {
-        // OpenCV's only failure with checked arguments.
-        throw std::bad_alloc();
+    } catch (const cv::Exception& failure) {
+        if (failure.code == cv::Error::StsNoMem)
+            throw std::bad_alloc();
+        throw std::logic_error(std::string("OpenCV: ") + failure.what());
     }
 }
 

@@ -38,7 +38,8 @@ class OBW_API MotionEstimator {
     /// measured are the first frame, one without texture, and one that shows another scene than
     /// the frame before; the frame is the next one's predecessor all the same.
     /// @throws std::invalid_argument for a null frame, another size or a stride below the width,
-    /// and then takes no notice of the frame; std::bad_alloc.
+    /// and then takes no notice of the frame; std::bad_alloc; std::logic_error with OpenCV's words
+    /// for what should not happen.
     FrameMotion next(const LumaFrame& frame);
 
     /// Forgets the frames: the next one is the first.

@@ -44,4 +44,4 @@ def chosen_clips(quick, videos):
     if quick:
         for clip in clips:
             clip.frames = QUICK_FRAMES
-    return clips + [Clip(Path(video).name, file=Path(video).resolve()) for video in videos]
+    return [Clip(Path(video).name, file=Path(video).resolve()) for video in videos] + clips

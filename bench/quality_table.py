@@ -56,6 +56,42 @@ def clip_rows(clip):
         yield method_row(method, result)
 
 
+def one_view(clip):
+    """Residual and angle of both at one view, that of vidstab and that of the refined sweep, and the ratios."""
+    methods = clip["methods"]
+    for view_of, ours, theirs in (("vidstab's", "refined at vidstab's view", "vidstab"),
+                                  ("refined's", "refined", "vidstab at refined's view")):
+        a, b = (methods[name]["video"] for name in (ours, theirs))
+        shift, other_shift = (magnitude(video["residualMotion"]) for video in (a, b))
+        angle, other_angle = (video["residualMotion"]["angleDegrees"] for video in (a, b))
+        yield (view_of, a["source"]["keptView"], b["source"]["keptView"], shift, other_shift, angle, other_angle,
+               b["source"]["beyondSource"], methods[ours]["plan"])
+
+
+def refined_rows(clip):
+    own = clip["methods"]["vidstab"]["video"]["source"]["keptView"]
+    view = clip["viewAtVidstabsResidual"]
+    for view_of, kept, other_kept, shift, other_shift, angle, other_angle, beyond, plan in one_view(clip):
+        planned = magnitude(plan["residualAfter"]) / plan["keep"]
+        yield [clip["name"] if view_of == "vidstab's" else "", view_of, f"{kept:.1%}, {other_kept:.1%}",
+               f"{shift:.3f}, {other_shift:.3f}", f"{shift / other_shift:.2f}", f"{shift / planned:.2f}",
+               f"{angle:.4f}, {other_angle:.4f}", f"{angle / other_angle:.2f}", f"{beyond:.2%}",
+               f"{100 * (view - own):+.1f}" if view_of == "vidstab's" else ""]
+
+
+REFINED_HEADER = ("| clip | view | kept: refined, vidstab | shift, px: refined, vidstab | ratio | of the planned "
+                  "| angle, °: refined, vidstab | ratio | vidstab beyond the source | points at vidstab's shift |")
+
+
+def refined_markdown(results):
+    """Where both were run, the refined sweep beside vidstab at one view."""
+    lines = [REFINED_HEADER, "|" + "---|" * (REFINED_HEADER.count("|") - 1)]
+    for clip in results["clips"]:
+        if clip["viewAtVidstabsResidual"]:
+            lines += ["| " + " | ".join(row) + " |" for row in refined_rows(clip)]
+    return "\n".join(lines) + "\n"
+
+
 def markdown(results):
     lines = [HEADER, "|" + "---|" * (HEADER.count("|") - 1)]
     for clip in results["clips"]:
@@ -66,7 +102,9 @@ def markdown(results):
 def shortcomings(results):
     """What a rendered sweep must never show."""
     for clip in results["clips"]:
-        ours = clip["methods"]["orbitwalk"]
+        ours = clip["methods"].get("orbitwalk")
+        if not ours:
+            continue
         missing = ours["sweep"]["missingPixels"]
         if missing:
             yield f"{clip['name']}: {missing} missing pixels inside the crop"

@@ -4,7 +4,7 @@ import {addPlayer, sourceOf} from "./harness.js";
 import {makeSweep} from "./sweeps.js";
 
 const current = page => page.evaluate(() => globalThis.player.currentFrame);
-const comesTo = (page, frame) => page.waitForFunction(wanted => globalThis.player.currentFrame === wanted, frame, {timeout: 5000});
+const comesTo = (page, frame) => page.waitForFunction(wanted => globalThis.player.currentFrame === wanted, frame, {timeout: 20000});
 
 /** The frames whose displacement is nearest to a position. */
 function nearest(record, position) {
@@ -31,7 +31,7 @@ async function testDrag(harness, t, name, record) {
         for (const moved of [-90, -40, -20, 7, 30, 75, 130, -10]) {
             await page.mouse.move(middle.x + moved, middle.y + 5);
             const wanted = nearest(record, record.displacement(start) + moved * scale);
-            await page.waitForFunction(frames => frames.includes(globalThis.player.currentFrame), wanted, {timeout: 5000});
+            await page.waitForFunction(frames => frames.includes(globalThis.player.currentFrame), wanted, {timeout: 20000});
             seen.add(wanted[0]);
         }
         await page.mouse.up();

@@ -1,7 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <csignal>
+
+#include "support/TestDirectory.h"
+#include "sweep/Checksum.h"
 #include "terminal/Print.h"
 #include "terminal/ProgressBar.h"
+#include "terminal/SignalGuard.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 namespace {
@@ -30,6 +36,20 @@ TEST(Shown, SpellsOutWhatATerminalWouldObey) {
     };
     for (const Case& c : cases)
         EXPECT_EQ(shown(c.text), c.shown);
+}
+
+TEST(SignalGuard, EndsTheHashingOfAFile) {
+    const test_support::TestDirectory directory;
+    test_support::writeFile(directory / "file", "text");
+    const SignalGuard guard;
+    EXPECT_NO_THROW(sha256OfFile(directory / "file"));
+    std::raise(SIGTERM);
+    try {
+        sha256OfFile(directory / "file");
+        ADD_FAILURE() << "the whole file was read";
+    } catch (const ToolError& error) {
+        EXPECT_EQ(error.exitCode(), 128 + SIGTERM);
+    }
 }
 
 TEST(ProgressLine, TellsFramesRateAndTimeLeftAndFits) {

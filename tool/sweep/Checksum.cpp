@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 
+#include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
 
 extern "C" {
@@ -62,8 +63,10 @@ std::string sha256OfStream(std::FILE* stream) {
     Sha sha;
     std::array<char, 1 << 16> block;
     std::rewind(stream);
-    while (const std::size_t count = std::fread(block.data(), 1, block.size(), stream))
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), stream)) {
+        SignalGuard::check();
         sha.add(std::span(block).first(count));
+    }
     if (std::ferror(stream))
         throw ToolError(std::strerror(errno));
     return sha.digits();
@@ -80,6 +83,7 @@ std::string sha256OfFile(const std::filesystem::path& file) {
             throw ToolError(std::strerror(errno));
         return sha256OfStream(stream.get());
     } catch (const ToolError& failure) {
+        SignalGuard::check();
         throw ToolError(file.string() + ": " + failure.what());
     }
 }

@@ -11,6 +11,8 @@ packages_build=(
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium ffmpeg)
+# For bench/quality, bench/measure_speed and bench/plan_check.
+packages_bench=(ffmpeg lomiri-wallpapers-16.04 python3-cvxopt)
 packages_clang=(clang libclang-rt-14-dev)
 
 # is_there NAME: the package is installed, or the command npm for the package of that name: Node.js from another

@@ -7,14 +7,19 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <opencv2/imgcodecs.hpp>
 #include <string>
+#include <thread>
 
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
+#include "files/TextFile.h"
 #include "media/VideoWriter.h"
 #include "support/TestDirectory.h"
+#include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
 
 namespace {
@@ -207,6 +212,48 @@ TEST(OwnFiles, KnowVideosOfBothKinds) {
         std::fclose(stream);
         EXPECT_TRUE(isOwnFile(dir / "v.mp4")) << fragmented;
     }
+}
+
+TEST(TextFile, IsReadUpToItsLimit) {
+    const TestDirectory dir;
+    writeFile(dir / "t", "12345678");
+    EXPECT_EQ(readTextFile(dir / "t", 8), "12345678");
+    EXPECT_THROW(readTextFile(dir / "t", 7), ToolError);
+    EXPECT_EQ(readFileUpTo(dir / "t", 7), "1234567");
+    EXPECT_THROW(readTextFile("/dev/zero", 100), ToolError);
+    EXPECT_THROW(readTextFile(dir / ""), ToolError);
+}
+
+TEST(TextFile, MayBeAPipe) {
+    const TestDirectory dir;
+    ASSERT_EQ(mkfifo((dir / "fifo").c_str(), 0600), 0);
+    const std::string text(200000, 't');
+    std::jthread writer([&] { std::ofstream(dir / "fifo") << text; });
+    EXPECT_EQ(readTextFile(dir / "fifo"), text);
+}
+
+TEST(TextFile, ASignalEndsTheWaitForAPipe) {
+    const TestDirectory dir;
+    ASSERT_EQ(mkfifo((dir / "fifo").c_str(), 0600), 0);
+    const SignalGuard guard;
+    const auto start = std::chrono::steady_clock::now();
+    std::jthread other([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        raise(SIGTERM);
+    });
+    try {
+        readTextFile(dir / "fifo");
+        FAIL();
+    } catch (const ToolError& error) {
+        EXPECT_EQ(error.exitCode(), 128 + SIGTERM);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+}
+
+TEST(Extension, IsOneOfTheNamedOnes) {
+    EXPECT_NO_THROW(requireExtension("-o", "a/b.MP4", {".mov", ".mp4"}));
+    for (const char* file : {"b.avi", "mp4", "b.mp4.txt", ".mp4", "", "b."})
+        EXPECT_THROW(requireExtension("-o", file, {".mov", ".mp4"}), UsageError) << file;
 }
 
 }  // namespace

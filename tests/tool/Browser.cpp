@@ -32,7 +32,7 @@ BrowserRun openInBrowser(const std::filesystem::path& page) {
     const std::string log = scratch / "net.json";
     std::vector<std::string> arguments{
         "-u", "ASAN_OPTIONS",    "-u", "UBSAN_OPTIONS", "-u", "TSAN_OPTIONS", "timeout", "-k", "5",
-        "60", ORBITWALK_CHROMIUM};
+        "120", ORBITWALK_CHROMIUM};
     for (const char* option :
          {"--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
           "--disable-background-networking", "--disable-component-update", "--disable-sync",

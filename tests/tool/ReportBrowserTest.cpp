@@ -60,7 +60,8 @@ found.emptied = (await drawn(first)).lines;
 found.pictures = [...document.images].map(picture => [picture.naturalWidth, picture.naturalHeight]);
 found.colours = [...document.images].map(colours);
 found.title = document.getElementById("title").textContent;
-found.texts = [...document.querySelectorAll("dd, .warning, #time td")].map(one => one.textContent);
+found.texts = [...document.querySelectorAll("dd, .warning, #verdict, section:not([hidden]) td")].map(one => one.textContent);
+found.dashes = [...document.querySelectorAll(".u-marker path")].map(one => one.getAttribute("stroke-dasharray"));
 found.rectangle = ["x", "y", "width", "height"].map(name => Number(document.querySelector("svg rect").getAttribute(name)));
 const result = document.createElement("pre");
 result.textContent = "PROBE" + JSON.stringify(found).replace(/[<>&]/g, c => "\\u00" + c.charCodeAt(0).toString(16)) + "EBORP";
@@ -77,18 +78,23 @@ class ReportInBrowser : public testing::Test {
     void writeSummary() const {
         orbitwalk::tool::Summary summary;
         summary.video = std::string("folder/") + kHostileName;
-        summary.width = AnalyticSweep::width;
-        summary.height = AnalyticSweep::height;
-        summary.frames = AnalyticSweep::frames;
+        fillFigures(summary, sweep.record(),
+                    orbitwalk::tool::readSweepCsv(directory / "sweep" / "sweep.csv",
+                                                  AnalyticSweep::frames));
         summary.seconds.decode = 0.25;
         summary.seconds.total = 0.5;
         summary.checksums = checksumsOf(orbitwalk::tool::SweepFiles(directory / "sweep"));
         writeFile(directory / "sweep" / "sweep.json", orbitwalk::tool::toJsonText(summary));
     }
 
-    std::string report() const {
-        const ToolRun run = runTool({"report", directory / "sweep", "-o", directory / "r.html"});
-        EXPECT_EQ(run.exitCode, 0) << run.err;
+    static void run(const std::vector<std::string>& arguments) {
+        const ToolRun done = runTool(arguments);
+        EXPECT_EQ(done.exitCode, 0) << done.err;
+    }
+
+    std::string report(std::vector<std::string> more = {}) const {
+        more.insert(more.begin(), {"report", directory / "sweep", "-o", directory / "r.html"});
+        run(more);
         return contentOf(directory / "r.html");
     }
 
@@ -109,6 +115,12 @@ json probed(const BrowserRun& run) {
     if (begin > end || end > run.dom.size())
         throw std::runtime_error("the page's scripts did not run to their end");
     return json::parse(run.dom.substr(begin, end - begin));
+}
+
+json dataOf(const std::string& page) {
+    const std::string opening = R"(id="data">)";
+    const std::size_t begin = page.find(opening) + opening.size();
+    return json::parse(page.substr(begin, page.find("</script>", begin) - begin));
 }
 
 const json& plotOf(const json& found, const std::string& title) {
@@ -132,14 +144,20 @@ double lumaError(const json& colours, double left, double top, double scale) {
     return sum / static_cast<double>(colours.size());
 }
 
-void expectLines(const json& found) {
+void expectPlots(const json& found, std::size_t count) {
     const auto& plots = found.at("plots");
-    ASSERT_EQ(plots.size(), 10u);
+    EXPECT_EQ(plots.size(), count);
     for (const json& plot : plots)
         for (const auto& [line, pixels] : plot.at("lines").items())
             EXPECT_GT(pixels, 20) << plot.at("title") << ": " << line;
+}
+
+void expectLines(const json& found) {
+    expectPlots(found, 11);
+    EXPECT_THAT(found.at("dashes"), testing::Contains("10 5"));
     const std::pair<const char*, std::size_t> lines[] = {
         {"Path, x, to the right", 4},
+        {"Shake along the sweep, x, to the right", 3},
         {"Correction, x, to the right", 3},
         {"Correction, angle", 1},
         {"Room between the crop and the frame's edge", 4},
@@ -189,6 +207,25 @@ TEST_F(ReportInBrowser, DrawsEveryLineAndShowsPicturesAndWords) {
     expectLines(found);
     expectPictures(found);
     expectWords(found);
+}
+
+TEST_F(ReportInBrowser, ShowsBothRecordsOfARefinementAndWhatOthersWouldLeave) {
+    run({"refine", directory / "sweep", "--keep", "0.9"});
+    const std::string page = report({"--refined"});
+    const json found = probed(open(page, kProbe));
+    expectPlots(found, 16);
+    EXPECT_EQ(plotOf(found, "Change of motion, x, to the right").at("lines").size(), 3u);
+    for (const char* text : {"planned over the whole sweep", "engine's record", "90.0 %", "80.0 %",
+                             "90.0 % of the width, 90.0 % of the height"})
+        EXPECT_THAT(found.at("texts"), testing::Contains(text));
+    // What the planner left, what the record leaves by its matrices, and the plan of the same crop.
+    const json planned = json::parse(contentOf(directory / "sweep" / "refined.json"));
+    const json& left = planned.at("residualAfter");
+    const double shift =
+        std::hypot(left.at("xPixels").get<double>(), left.at("yPixels").get<double>());
+    const json refined = dataOf(page).at("refined");
+    EXPECT_NEAR(refined.at("tracks").at(2).at("residual").at("shift"), shift, 1e-3);
+    EXPECT_NEAR(refined.at("plans").at(10).at("residual").at("shift"), shift, 1e-3);
 }
 
 TEST_F(ReportInBrowser, MayNotUseTheNetwork) {

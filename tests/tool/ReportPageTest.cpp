@@ -3,29 +3,16 @@
 
 #include <nlohmann/json.hpp>
 
-#include "files/PageText.h"
-#include "report/ReportJson.h"
 #include "report/ReportPage.h"
-#include "support/SampleRecord.h"
 
 namespace orbitwalk::tool {
 namespace {
 
 using testing::HasSubstr;
 
-TEST(Base64, PadsTheLastGroup) {
-    EXPECT_EQ(base64(""), "");
-    EXPECT_EQ(base64("f"), "Zg==");
-    EXPECT_EQ(base64("fo"), "Zm8=");
-    EXPECT_EQ(base64("foo"), "Zm9v");
-    EXPECT_EQ(base64("foobar"), "Zm9vYmFy");
-    EXPECT_EQ(base64("\xff\xfe\xfd"), "//79");
-}
-
 ReportData smallData(const std::string& video) {
     ReportData data;
-    data.capture.emplace().video = video;
-    data.frames = 2;
+    data.summary.video = video;
     data.motion = Track(2);
     data.motion.x[1] = 2.00049;
     data.motion.angle[1] = -0.123456789;
@@ -34,12 +21,14 @@ ReportData smallData(const std::string& video) {
 
 TEST(ReportJson, RoundsValuesAndLeavesMissingOnesOut) {
     const auto json =
-        nlohmann::json::parse(reportJson(smallData("a.mp4"), {{{4, "f", "fo"}}, "foo"}));
+        nlohmann::json::parse(reportJson(smallData("a.mp4"), {{{4, "\xff\xfe", "foob"}}, "foo"}));
     EXPECT_EQ(json.at("motion").at("x"), nlohmann::json({nullptr, 2.0}));
     EXPECT_EQ(json.at("motion").at("angle"), nlohmann::json({nullptr, -0.12346}));
     EXPECT_EQ(json.at("feedbackStep"), nullptr);
     EXPECT_EQ(json.at("pictures").at("crop"), "data:image/jpeg;base64,Zm9v");
-    EXPECT_EQ(json.at("pictures").at("strip").at(0).at("steady"), "data:image/jpeg;base64,Zm8=");
+    EXPECT_EQ(json.at("pictures").at("strip").at(0).at("recorded"), "data:image/jpeg;base64,//4=");
+    EXPECT_EQ(json.at("pictures").at("strip").at(0).at("steady"),
+              "data:image/jpeg;base64,Zm9vYg==");
 }
 
 TEST(ReportJson, MayStandInsideAScriptElement) {

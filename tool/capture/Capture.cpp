@@ -53,15 +53,6 @@ void fillPostProcessing(StageSeconds& seconds, const Session& session) {
     seconds.cleanUp = until(100) - until(60);
 }
 
-void fillFromRecord(Summary& summary, const __kelOBWKDXMetaData& record) {
-    summary.width = record.width;
-    summary.height = record.height;
-    summary.cropWidthShare = static_cast<double>(record.cropParam[2]) / record.width;
-    summary.cropHeightShare = static_cast<double>(record.cropParam[3]) / record.height;
-    summary.rendered = renderedFrames(record);
-    summary.smoothing = smoothingOf(record);
-}
-
 VideoFacts factsOf(const CaptureOptions& options, const media::VideoReader& video) {
     return {.variableRate = video.variableRate(),
             .unheededRotation = options.orientation ? 0 : video.rotationDegrees(),
@@ -87,18 +78,11 @@ void fillFromVideo(CaptureResult& result, const CaptureOptions& options,
 }
 
 /// @param shown  the orientation in which players show the video, as far as it is known.
-void fillFromPath(Summary& summary, const std::vector<Trajectory>& path,
-                  const SweepSelection& selection, int shown) {
-    summary.frames = static_cast<int>(path.size());
-    summary.first = selection.first;
-    summary.last = selection.last;
-    summary.extent = pathExtent(path);
+bool wentVertically(const Summary& summary, const std::vector<Trajectory>& path, int shown) {
     const auto range =
-        std::span(path).subspan(static_cast<std::size_t>(selection.first),
-                                static_cast<std::size_t>(selection.last - selection.first + 1));
-    summary.direction = isVertical(range, shown, {summary.width, summary.height})
-                            ? OBW_DIRECTION_TOP2BOTTOM
-                            : selection.direction;
+        std::span(path).subspan(static_cast<std::size_t>(summary.first),
+                                static_cast<std::size_t>(summary.last - summary.first + 1));
+    return isVertical(range, shown, {summary.width, summary.height});
 }
 
 /// @param measurer  of the refinement, if there is to be one.
@@ -159,18 +143,18 @@ SessionResult runSession(const CaptureOptions& options, media::VideoReader& vide
         session.finish(feed.path, selection, [&](int percent) { bar.update(percent); });
     const std::set<int> repeated = session.repeatedFrames();
     const std::span recordBytes(reinterpret_cast<const char*>(&record), sizeof record);
-    const std::string csv = sweepCsv(rowsOf(feed.path, selection.flags, repeated));
+    const std::vector<SweepRow> rows = rowsOf(feed.path, selection.flags, repeated);
+    const std::string csv = sweepCsv(rows);
     outputs.write(options.directory / kSweepRecordName, recordBytes);
     outputs.write(options.directory / kSweepPathName, csv);
     summary.checksums = checksumsOf(mp4, recordBytes, csv);
 
     fillFromVideo(result, options, video);
-    fillFromRecord(summary, record);
+    fillFigures(summary, record, rows);
     const int shown = orientationOfRotation(result.video.unheededRotation).value_or(0);
-    fillFromPath(summary, feed.path, selection, options.orientation.value_or(shown));
+    if (wentVertically(summary, feed.path, options.orientation.value_or(shown)))
+        summary.direction = OBW_DIRECTION_TOP2BOTTOM;
     summary.truncated = feed.truncated;
-    summary.skipped = static_cast<int>(options.range.skip.size());
-    summary.repeatedMotions = static_cast<int>(repeated.size());
     const SweepFiles files(options.directory);
     summary.sweepVideo = files.video;
     summary.sweepRecord = files.record;

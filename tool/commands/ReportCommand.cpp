@@ -10,7 +10,6 @@
 #include "player/PlayerPage.h"
 #include "report/Pictures.h"
 #include "report/ReportData.h"
-#include "report/ReportJson.h"
 #include "report/ReportPage.h"
 #include "sweep/Sweep.h"
 #include "sweep/SweepFiles.h"
@@ -29,11 +28,12 @@ namespace fs = std::filesystem;
 struct ReportOptions {
     fs::path directory;
     fs::path page;
+    bool refined = false;
     CommonOptions common;
 };
 
 ReportPictures readPictures(const Sweep& sweep, const ReportData& data) {
-    ProgressBar bar("Reading", data.rendered);
+    ProgressBar bar("Reading", data.summary.rendered);
     return reportPictures(sweep, data.cropView.frame, [&](int done) {
         bar.update(done);
         SignalGuard::check();
@@ -43,30 +43,34 @@ ReportPictures readPictures(const Sweep& sweep, const ReportData& data) {
 std::string pageOf(const Sweep& sweep, const ReportData& data) {
     const std::string json = reportJson(data, readPictures(sweep, data));
     const std::string video = readTextFile(sweep.files.video, kEmbeddedVideoLimit);
-    const std::string record = readTextFile(sweep.files.record);
+    const std::string record =
+        readTextFile(sweep.refinement ? sweep.files.refinedRecord : sweep.files.record);
     return reportPage({json, video, record});
 }
 
 std::string summaryJson(const ReportOptions& options, const ReportData& data, std::size_t bytes) {
-    const nlohmann::ordered_json summary{
-        {"report", options.page.string()}, {"frames", data.frames}, {"bytes", bytes}};
+    const nlohmann::ordered_json summary{{"report", options.page.string()},
+                                         {"frames", data.summary.frames},
+                                         {"steadier", data.steadiness.isSteadier()},
+                                         {"bytes", bytes}};
     // A file name may hold bytes that are not UTF-8; JSON cannot.
     return summary.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 std::string summaryText(const ReportOptions& options, const ReportData& data, std::size_t bytes) {
     char facts[80];
-    std::snprintf(facts, sizeof facts, ": report on %d frames, %.1f MB\n", data.frames,
+    std::snprintf(facts, sizeof facts, ": report on %d frames, %.1f MB\n", data.summary.frames,
                   static_cast<double>(bytes) / 1e6);
-    return shown(options.page) + facts;
+    return shown(options.page) + facts + verdictOn(data.steadiness) + "\n";
 }
 
 void writeReport(const ReportOptions& options) {
     requireExtension("--output", options.page, {".html", ".htm"});
     refuseTakenNames(options.directory, {options.page});
     const SignalGuard signals;
-    const Sweep sweep = openSweep(options.directory);
-    const ReportData data = reportData(sweep.record, requirePath(sweep), sweep.summary);
+    const Sweep sweep =
+        openSweep(options.directory, options.refined ? RecordBy::Refinement : RecordBy::Engine);
+    const ReportData data = reportData(sweep);
     OutputFiles files(options.common.force);
     std::FILE* const stream = files.create(options.page);
     const std::string page = pageOf(sweep, data);
@@ -91,6 +95,7 @@ void addReportCommand(CLI::App& app) {
         ->add_option("-o,--output", options->page,
                      "Page to write, HTML; it needs no other file and no network")
         ->required();
+    command->add_flag("--refined", options->refined, kRefinedHelp);
     addCommonOptions(*command, options->common, Writes::Files);
     command->callback([options] { writeReport(*options); });
 }

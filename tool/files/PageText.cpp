@@ -2,6 +2,10 @@
 
 #include <cstdint>
 
+extern "C" {
+#include <libavutil/base64.h>
+}
+
 namespace orbitwalk::tool {
 
 namespace {
@@ -15,17 +19,15 @@ std::string replaced(std::string text, std::string_view what, std::string_view w
 }  // namespace
 
 std::string base64(std::string_view bytes) {
-    constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    // libavutil takes no more than an int counts; whole groups of three need no padding.
+    constexpr std::size_t kMostAtOnce = 3 << 20;
     std::string text;
-    text.reserve((bytes.size() + 2) / 3 * 4);
-    for (std::size_t i = 0; i < bytes.size(); i += 3) {
-        std::uint32_t group = 0;
-        for (std::size_t k = i; k < i + 3; ++k)
-            group = group << 8 | (k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0u);
-        for (int shift = 18; shift >= 0; shift -= 6)
-            text += kDigits[group >> shift & 63];
-        for (std::size_t k = bytes.size(); k < i + 3; ++k)
-            text[text.size() - (i + 3 - k)] = '=';
+    std::string part(AV_BASE64_SIZE(kMostAtOnce), '\0');
+    for (std::size_t i = 0; i < bytes.size(); i += kMostAtOnce) {
+        const std::string_view some = bytes.substr(i, kMostAtOnce);
+        text += av_base64_encode(part.data(), static_cast<int>(part.size()),
+                                 reinterpret_cast<const std::uint8_t*>(some.data()),
+                                 static_cast<int>(some.size()));
     }
     return text;
 }

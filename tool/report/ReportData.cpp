@@ -1,44 +1,44 @@
 #include "report/ReportData.h"
 
 #include <algorithm>
-#include <numbers>
+#include <span>
 
+#include "sweep/Playlist.h"
 #include "sweep/SmoothedPath.h"
-#include "sweep/SweepFiles.h"
-#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 
 namespace {
 
-void set(Track& track, int frame, const Trajectory& position) {
-    track.x[frame] = position.x;
-    track.y[frame] = position.y;
-    track.angle[frame] = position.a * 180 / std::numbers::pi;
+Summary figuresOf(const Sweep& sweep, std::span<const SweepRow> path) {
+    if (sweep.summary && sweep.summary->schema > 0)
+        return *sweep.summary;
+    Summary summary = sweep.summary.value_or(Summary{});
+    fillFigures(summary, (sweep.refinement ? sweep.refinement->engineRecord : sweep.record).raw(),
+                path);
+    return summary;
 }
 
 void addMotion(ReportData& data, std::span<const SweepRow> path) {
-    data.motion = Track(data.frames);
-    for (int i = 1; i < data.frames; ++i)
-        set(data.motion, i, path[i].position - path[i - 1].position);
+    data.motion = Track(data.summary.frames);
+    for (int i = 1; i < data.summary.frames; ++i)
+        data.motion.set(i, path[i].position - path[i - 1].position);
     for (const SweepRow& row : path)
         data.repeated.push_back(row.repeated);
-    data.repeatedMotions = static_cast<int>(std::ranges::count(data.repeated, true));
-    data.repeatedWarning = repeatedMotionWarning(data.repeatedMotions, data.frames);
+    data.repeatedWarning = repeatedMotionWarning(data.summary.repeatedMotions, data.summary.frames);
 }
 
 void addPaths(ReportData& data, const RecordReader& record, std::span<const SweepRow> path) {
     const SmoothedPath paths = smoothedPath(path, record.raw().startIndex, record.raw().endIndex,
                                             record.width(), record.height());
-    data.smoothing = smoothingOf(record.raw());
     data.feedbackStep = paths.feedbackStep;
-    data.measured = data.gaussian = data.smoothed = Track(data.frames);
+    data.measured = data.gaussian = data.smoothed = Track(record.frameCount());
     if (paths.reference >= 0)
-        set(data.measured, paths.reference, {});
+        data.measured.set(paths.reference, {});
     for (std::size_t v = 0; v < paths.frames.size(); ++v) {
-        set(data.measured, paths.frames[v], paths.measured[v]);
-        set(data.gaussian, paths.frames[v], paths.gaussian[v]);
-        set(data.smoothed, paths.frames[v], paths.smoothed[v]);
+        data.measured.set(paths.frames[v], paths.measured[v]);
+        data.gaussian.set(paths.frames[v], paths.gaussian[v]);
+        data.smoothed.set(paths.frames[v], paths.smoothed[v]);
     }
 }
 
@@ -67,19 +67,18 @@ void addRoom(ReportData& data, const Shot& shot) {
     const auto [left, right] = std::ranges::minmax(shown, {}, &PicturePoint::x);
     const auto [top, bottom] = std::ranges::minmax(shown, {}, &PicturePoint::y);
     data.room.left[shot.frame] = left.x;
-    data.room.right[shot.frame] = data.width - right.x;
+    data.room.right[shot.frame] = data.summary.width - right.x;
     data.room.top[shot.frame] = top.y;
-    data.room.bottom[shot.frame] = data.height - bottom.y;
+    data.room.bottom[shot.frame] = data.summary.height - bottom.y;
 }
 
 void addCorrections(ReportData& data, const RecordReader& record) {
     const std::vector<Shot> shots = playlist(record, false);
-    data.rendered = static_cast<int>(shots.size());
-    data.correction = Track(data.frames);
-    data.room = Room(data.frames);
+    data.correction = Track(record.frameCount());
+    data.room = Room(record.frameCount());
     for (const Shot& shot : shots) {
-        set(data.correction, shot.frame,
-            correctionOf(shot.frameFromPicture, {record.width(), record.height()}));
+        data.correction.set(shot.frame,
+                            correctionOf(shot.frameFromPicture, {record.width(), record.height()}));
         addRoom(data, shot);
     }
     const Shot& middle = shots.at(shots.size() / 2);
@@ -88,21 +87,24 @@ void addCorrections(ReportData& data, const RecordReader& record) {
 
 }  // namespace
 
-ReportData reportData(const RecordReader& record, std::span<const SweepRow> path,
-                      const std::optional<Summary>& capture) {
+ReportData reportData(const Sweep& sweep) {
+    const std::vector<SweepRow>& path = requirePath(sweep);
+    const RecordReader& record = sweep.record;
     ReportData data;
-    data.capture = capture;
-    data.width = record.width();
-    data.height = record.height();
-    data.frames = record.frameCount();
-    data.range = record.range();
-    data.direction = directionName(record.direction());
+    data.summary = figuresOf(sweep, path);
+    data.captureKnown = sweep.summary.has_value();
+    data.steadiness = steadinessOf(sweep);
+    data.direction = data.summary.direction == OBW_DIRECTION_TOP2BOTTOM
+                         ? "vertical, which is not supported"
+                         : directionName(record.direction());
     data.orientation = orientationName(record.orientation());
     data.flipped = record.isFlipped();
     data.crop = record.crop();
     addMotion(data, path);
     addPaths(data, record, path);
     addCorrections(data, record);
+    if (sweep.refinement)
+        data.refined = refinedPaths(sweep);
     return data;
 }
 

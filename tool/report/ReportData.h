@@ -1,30 +1,16 @@
 #pragma once
 
 #include <array>
-#include <limits>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
-#include "orbitwalk/RecordReader.h"
-#include "sweep/Playlist.h"
-#include "sweep/RecordFacts.h"
+#include "report/TradeOff.h"
+#include "sweep/Steadiness.h"
 #include "sweep/Summary.h"
-#include "sweep/SweepCsv.h"
+#include "sweep/Sweep.h"
 
 namespace orbitwalk::tool {
-
-inline constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
-
-/// One value a frame of the video; kNoValue where a frame has none. Pixels, pixels, degrees.
-struct Track {
-    explicit Track(int frames = 0) : x(frames, kNoValue), y(x), angle(x) {}
-
-    std::vector<double> x;
-    std::vector<double> y;
-    std::vector<double> angle;
-};
 
 /// Pixels between the crop rectangle and the edges of the corrected frame behind it, one value a
 /// frame: what it could still be moved before the crop would show what was not recorded.
@@ -47,23 +33,20 @@ struct CropView {
 
 /// All that a report tells in words and plots.
 struct ReportData {
-    std::optional<Summary> capture;
-    int width = 0;
-    int height = 0;
-    int frames = 0;
-    FrameRange range;
-    int rendered = 0;
+    /// As the capture left it. Where it left none, or one from before there were figures in it,
+    /// they are filled in from the record and the path.
+    Summary summary;
+    bool captureKnown = false;  ///< There is a sweep.json: video, versions and times are known.
+    Steadiness steadiness;
     std::string direction;
     std::string orientation;
     bool flipped = false;  ///< The front camera's preview was mirrored.
     CropRectangle crop;
-    Smoothing smoothing = Smoothing::Smoothed;
     std::optional<int> feedbackStep;  ///< See SmoothedPath.
-    int repeatedMotions = 0;
     std::optional<std::string> repeatedWarning;
     std::vector<bool> repeated;  ///< One a frame.
 
-    Track motion;  ///< Of the picture since the frame before, as measured.
+    Track motion;  ///< Of the picture since the frame before, as the engine measured it.
     /// The paths of the selected frames, relative to the first of them.
     Track measured;
     Track gaussian;
@@ -71,10 +54,10 @@ struct ReportData {
     Track correction;  ///< How the record moves the centre of a rendered frame, and turns it.
     Room room;
     CropView cropView;
+    std::optional<RefinedPaths> refined;  ///< Where the record is that of the refinement.
 };
 
-/// @param record  renders a frame. @param path  one row a frame of the record.
-ReportData reportData(const RecordReader& record, std::span<const SweepRow> path,
-                      const std::optional<Summary>& capture);
+/// @param sweep  opened; its record renders a frame. @throws ToolError without a path.
+ReportData reportData(const Sweep& sweep);
 
 }  // namespace orbitwalk::tool

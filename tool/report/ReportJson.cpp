@@ -1,11 +1,9 @@
-#include "report/ReportJson.h"
-
 #include <cmath>
 #include <nlohmann/json.hpp>
-#include <span>
-#include <string_view>
+#include <numbers>
 
 #include "files/PageText.h"
+#include "report/ReportPage.h"
 #include "sweep/SmoothedPath.h"
 
 namespace orbitwalk::tool {
@@ -38,13 +36,39 @@ Json roomJson(const Room& room) {
             {"bottom", rounded(room.bottom, kPixelDigits)}};
 }
 
-Json captureJson(const Summary& capture) {
-    Json seconds;
-    for (const Stage& stage : kStages)
-        seconds[stage.key] = capture.seconds.*stage.seconds;
-    return {{"video", capture.video.filename().string()},
-            {"truncated", capture.truncated},
-            {"seconds", seconds}};
+/// The capture's own words, without the places of its files.
+Json summaryJson(const ReportData& data) {
+    Json json = toJson(data.summary);
+    for (const char* place : {"source", "outputs", "checksums"})
+        json.erase(place);
+    json["video"] = data.summary.video.filename().string();
+    return json;
+}
+
+Json residualJson(const refine::PathResidual& residual) {
+    return {{"shift", residual.shift()}, {"angle", residual.angle * 180 / std::numbers::pi}};
+}
+
+Json verdictJson(const Steadiness& steadiness) {
+    return {{"steadier", steadiness.isSteadier()}, {"text", verdictOn(steadiness)}};
+}
+
+Json refinedJson(const RefinedPaths& refined) {
+    Json tracks = Json::array();
+    for (const PictureTrack& track : refined.tracks)
+        tracks.push_back({{"name", track.name},
+                          {"path", trackJson(track.path)},
+                          {"change", trackJson(track.change)},
+                          {"residual", residualJson(track.residual)},
+                          {"keep", track.keep}});
+    Json plans = Json::array();
+    for (const TradeOff& plan : refined.plans)
+        plans.push_back({{"keep", plan.keep}, {"residual", residualJson(plan.residual)}});
+    return {{"toolVersion", refined.summary.toolVersion},
+            {"video", refined.summary.video},
+            {"unmeasured", refined.summary.unmeasured.size()},
+            {"tracks", tracks},
+            {"plans", plans}};
 }
 
 Json cropJson(const ReportData& data) {
@@ -86,23 +110,20 @@ std::string withoutTags(std::string text) {
 }  // namespace
 
 std::string reportJson(const ReportData& data, const ReportPictures& pictures) {
-    const Json json{{"capture", data.capture ? captureJson(*data.capture) : Json()},
-                    {"width", data.width},
-                    {"height", data.height},
-                    {"frames", data.frames},
-                    {"first", data.range.begin},
-                    {"last", data.range.end - 1},
-                    {"rendered", data.rendered},
+    const Json json{{"toolVersion", toolVersion()},
+                    {"verdict", verdictJson(data.steadiness)},
+                    {"captureKnown", data.captureKnown},
+                    {"summary", summaryJson(data)},
                     {"direction", data.direction},
                     {"orientation", data.orientation},
                     {"flipped", data.flipped},
                     {"crop", cropJson(data)},
-                    {"smoothing", wordsOf(data.smoothing)},
+                    {"smoothing", wordsOf(data.summary.smoothing)},
                     {"feedbackStep", orNull(data.feedbackStep)},
                     {"feedbackSteps", kLastFeedbackStep},
-                    {"repeatedMotions", data.repeatedMotions},
                     {"repeatedWarning", orNull(data.repeatedWarning)},
                     {"repeated", data.repeated},
+                    {"refined", data.refined ? refinedJson(*data.refined) : Json()},
                     {"motion", trackJson(data.motion)},
                     {"measured", trackJson(data.measured)},
                     {"gaussian", trackJson(data.gaussian)},

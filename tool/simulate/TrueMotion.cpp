@@ -2,12 +2,6 @@
 
 namespace orbitwalk::tool {
 
-PicturePoint measuringOrigin(FrameSize size) {
-    constexpr int reduction = 4, border = 5;
-    return {static_cast<double>(reduction * (size.width / reduction / border)),
-            static_cast<double>(reduction * (size.height / reduction / border))};
-}
-
 // A pose shows scene point C + R(a) (p - c) at pixel p, with c the frame's centre. Setting both
 // poses' scene points equal and solving for the current pixel gives the map; here both pixels are
 // taken relative to the measuring origin.

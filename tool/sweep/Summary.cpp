@@ -211,12 +211,40 @@ Trajectory pathExtent(std::span<const Trajectory> path) {
     return {spread(&Trajectory::x), spread(&Trajectory::y), spread(&Trajectory::a)};
 }
 
+void fillFigures(Summary& summary, const __kelOBWKDXMetaData& record,
+                 std::span<const SweepRow> path) {
+    std::vector<Trajectory> positions;
+    for (const SweepRow& row : path)
+        positions.push_back(row.position);
+    summary.width = record.width;
+    summary.height = record.height;
+    summary.frames = record.numFrames;
+    summary.first = record.startIndex;
+    summary.last = std::min(record.endIndex, record.numFrames - 1);
+    summary.skipped = static_cast<int>(
+        std::ranges::count_if(path, [](const SweepRow& row) { return row.flag != 1; }));
+    summary.rendered = renderedFrames(record);
+    summary.direction =
+        record.captureDirection > OBW_DIRECTION_RIGHT2LEFT    ? OBW_DIRECTION_TOP2BOTTOM
+        : record.captureDirection == OBW_DIRECTION_RIGHT2LEFT ? OBW_DIRECTION_RIGHT2LEFT
+                                                              : OBW_DIRECTION_LEFT2RIGHT;
+    summary.extent = pathExtent(positions);
+    summary.cropWidthShare = static_cast<double>(record.cropParam[2]) / record.width;
+    summary.cropHeightShare = static_cast<double>(record.cropParam[3]) / record.height;
+    summary.smoothing = smoothingOf(record);
+    summary.repeatedMotions = static_cast<int>(std::ranges::count(path, true, &SweepRow::repeated));
+}
+
+bool mostAreMeasured(int unmeasured, int frames) {
+    return unmeasured * 2 <= frames;
+}
+
 std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames) {
     if (repeatedMotions * 10 <= frames)
         return std::nullopt;
     constexpr char why[] =
         "too few corners to follow (the picture is small, soft or dark, or moves too fast)";
-    if (repeatedMotions * 2 > frames)
+    if (!mostAreMeasured(repeatedMotions, frames))
         return line(
             "the motion could not be measured, and the sweep is not steadier than the video: %d of "
             "%d frames repeat the last motion, for %s",

@@ -11,6 +11,7 @@
 #include "orbitwalk/Engine.h"
 #include "orbitwalk/Geometry.h"
 #include "sweep/RecordFacts.h"
+#include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
 
 /// sweep.json: what a capture came to, and which files belong to it.
@@ -116,6 +117,16 @@ struct Summary {
 
 /// Between the leftmost and the rightmost point, the highest and the lowest, and the angles.
 Trajectory pathExtent(std::span<const Trajectory> path);
+
+/// Fills in what the record and the path that led to it tell of a sweep: its size, frames, range
+/// and direction, the crop, the smoothing and the repeated motions.
+/// @param path  one row a frame of the record.
+void fillFigures(Summary& summary, const __kelOBWKDXMetaData& record,
+                 std::span<const SweepRow> path);
+
+/// Whether at least half of the frames have a motion of their own, without which nothing is
+/// steadied.
+bool mostAreMeasured(int unmeasured, int frames);
 
 /// A line that warns of too many repeated motions, more than a tenth of the frames.
 std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames);

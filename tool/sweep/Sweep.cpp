@@ -57,6 +57,7 @@ void takeRefinement(Sweep& sweep) {
                         std::to_string(record.frameCount()) + " frames of " +
                         textOf(cv::Size(record.width(), record.height())));
     sweep.refinement = Refinement{
+        sweep.record,
         readMotionCsv(files.refinedPath, {record.width(), record.height()}, record.frameCount()),
         std::move(summary)};
     sweep.record = std::move(record);

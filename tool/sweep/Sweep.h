@@ -18,8 +18,9 @@ namespace orbitwalk::tool {
 /// Whose record of a sweep.
 enum class RecordBy { Engine, Refinement };
 
-/// The measured motions and the summary of `orbitwalk refine`.
+/// What `orbitwalk refine` measured and came to.
 struct Refinement {
+    RecordReader engineRecord;                 ///< The one that the sweep's own stands in for.
     std::vector<refine::FrameMotion> motions;  ///< One a frame.
     RefinedSummary summary;
 };

@@ -27,6 +27,12 @@ bool parseRow(std::string_view line, int frame, SweepRow& row) {
 
 }  // namespace
 
+PicturePoint measuringOrigin(FrameSize size) {
+    constexpr int reduction = 4, border = 5;
+    return {static_cast<double>(reduction * (size.width / reduction / border)),
+            static_cast<double>(reduction * (size.height / reduction / border))};
+}
+
 std::string sweepCsv(std::span<const SweepRow> path) {
     std::string csv(kSweepTableHeader);
     csv += '\n';

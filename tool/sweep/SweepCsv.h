@@ -19,6 +19,11 @@ struct SweepRow {
     bool repeated = false;  ///< Its motion could not be measured and repeats the last one.
 };
 
+/// Top-left pixel of the region that the engine measures in: it keeps every fourth pixel, from the
+/// first, and leaves a fifth of the columns and rows out at each side. The motions of a path are
+/// about this point, on which the shift that goes with a turn depends.
+PicturePoint measuringOrigin(FrameSize size);
+
 /// Floats are written with the fewest digits that read back as the same value.
 std::string sweepCsv(std::span<const SweepRow> path);
 

@@ -1,0 +1,127 @@
+#include "sweep/Steadiness.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "sweep/Playlist.h"
+#include "terminal/ToolError.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+FrameSize sizeOf(const RecordReader& record) {
+    return {record.width(), record.height()};
+}
+
+/// A map of a record, which turns and, where a refinement smoothed the zoom, scales.
+SimilarityTransform similarityOf(const Affine& map, PicturePoint about) {
+    const PicturePoint shift = map(about) - about;
+    return {shift.x, shift.y, std::atan2(map.yx, map.yy), std::log(std::hypot(map.yx, map.yy)),
+            about};
+}
+
+double viewKept(const RecordReader& record) {
+    const CropRectangle crop = record.crop();
+    return static_cast<double>(crop.width) * crop.height / record.width() / record.height();
+}
+
+}  // namespace
+
+PictureMotions recordedMotions(std::span<const SweepRow> path, const RecordReader& record) {
+    const FrameSize size = sizeOf(record);
+    PictureMotions motions;
+    SimilarityTransform sinceShown{.about = frameCentre(size)};
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        if (i > 0) {
+            const Trajectory step = path[i].position - path[i - 1].position;
+            sinceShown =
+                SimilarityTransform{step.x, step.y, step.a, 0, measuringOrigin(size)}.takenAbout(
+                    frameCentre(size)) *
+                sinceShown;
+        }
+        if (!record.isRendered(static_cast<int>(i)))
+            continue;
+        const SimilarityTransform nothing{.about = frameCentre(size)};
+        motions.push_back(motions.empty() ? nothing : sinceShown);
+        sinceShown = nothing;
+    }
+    return motions;
+}
+
+PictureMotions recordedMotions(std::span<const refine::FrameMotion> motions,
+                               const RecordReader& record) {
+    std::vector<int> shown;
+    for (int i = 0; i < record.frameCount(); ++i)
+        if (record.isRendered(i))
+            shown.push_back(i);
+    auto plan = refine::planPath(motions, sizeOf(record), 1, {.shown = std::move(shown)});
+    if (const auto* refusal = std::get_if<refine::PlanRefusal>(&plan))
+        throw ToolError("the refined motions are of no use: " + refusal->text);
+    return std::get<refine::PathPlan>(std::move(plan)).motions;
+}
+
+PictureMotions shownMotions(std::span<const SimilarityTransform> recorded,
+                            const RecordReader& record) {
+    const PicturePoint centre = frameCentre(sizeOf(record));
+    const std::vector<Shot> shots = playlist(record, false);
+    PictureMotions shown{SimilarityTransform{.about = centre}};
+    for (std::size_t i = 1; i < std::min(shots.size(), recorded.size()); ++i) {
+        const auto before = similarityOf(shots[i - 1].frameFromPicture, centre);
+        const auto now = similarityOf(shots[i].frameFromPicture, centre);
+        shown.push_back((now.inverse() * (recorded[i] * before)).takenAbout(centre));
+    }
+    return shown;
+}
+
+refine::PathResidual residualOf(std::span<const SimilarityTransform> motions) {
+    if (motions.size() < 3)
+        return {};
+    refine::PathResidual sum;
+    for (std::size_t i = 2; i < motions.size(); ++i) {
+        sum.x += std::pow(motions[i].x - motions[i - 1].x, 2);
+        sum.y += std::pow(motions[i].y - motions[i - 1].y, 2);
+        sum.angle += std::pow(motions[i].angle - motions[i - 1].angle, 2);
+    }
+    const double changes = static_cast<double>(motions.size() - 2);
+    return {std::sqrt(sum.x / changes), std::sqrt(sum.y / changes), std::sqrt(sum.angle / changes)};
+}
+
+Steadiness steadinessOf(const Sweep& sweep) {
+    if (sweep.refinement) {
+        const RefinedSummary& summary = sweep.refinement->summary;
+        return {summary.before, summary.after, summary.viewKept,
+                mostAreMeasured(static_cast<int>(summary.unmeasured.size()), summary.frames)};
+    }
+    const std::vector<SweepRow>& path = requirePath(sweep);
+    const PictureMotions recorded = recordedMotions(path, sweep.record);
+    const auto repeated = std::ranges::count(path, true, &SweepRow::repeated);
+    return {residualOf(recorded), residualOf(shownMotions(recorded, sweep.record)),
+            viewKept(sweep.record),
+            mostAreMeasured(static_cast<int>(repeated), sweep.record.frameCount())};
+}
+
+std::string verdictOn(const Steadiness& steadiness) {
+    const double before = steadiness.before.shift();
+    const double after = steadiness.after.shift();
+    char text[200];
+    if (!steadiness.measured)
+        return "Not steadier than the video: its motion could not be measured.";
+    if (before == 0)
+        return "Nothing to steady: the frames do not shake.";
+    if (!steadiness.isSteadier())
+        std::snprintf(
+            text, sizeof text,
+            "Not steadier than the video: %.2f px of shake as recorded, %.2f px as shown.", before,
+            after);
+    else
+        std::snprintf(
+            text, sizeof text,
+            "Steadier: %.2f of %.2f px of shake remain (%.0f %%), with %.1f %% of the view "
+            "kept.",
+            after, before, 100 * after / before, 100 * steadiness.viewKept);
+    return text;
+}
+
+}  // namespace orbitwalk::tool

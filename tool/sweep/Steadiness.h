@@ -1,0 +1,48 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "orbitwalk/RecordReader.h"
+#include "orbitwalk/refine/PathPlanner.h"
+#include "sweep/Sweep.h"
+
+/// How much of the hand's shake a record leaves, by the motions that the sweep was captured or
+/// refined with: one measure for every command that judges a sweep.
+namespace orbitwalk::tool {
+
+/// Motions of the picture between the frames that a record renders, each since the rendered frame
+/// before and about the frame's centre; the first is nothing.
+using PictureMotions = std::vector<SimilarityTransform>;
+
+/// As the engine measured them. @param path  one row a frame of the record.
+PictureMotions recordedMotions(std::span<const SweepRow> path, const RecordReader& record);
+/// As the refinement measured them, those in between where it could not.
+/// @param record  which frames are rendered. @throws ToolError with the planner's reason.
+PictureMotions recordedMotions(std::span<const refine::FrameMotion> motions,
+                               const RecordReader& record);
+
+/// What a viewer of the record's pictures still sees of the motions.
+PictureMotions shownMotions(std::span<const SimilarityTransform> recorded,
+                            const RecordReader& record);
+
+/// See refine::PathResidual: nothing for fewer than three frames.
+refine::PathResidual residualOf(std::span<const SimilarityTransform> motions);
+
+struct Steadiness {
+    refine::PathResidual before;  ///< Of the frames as recorded.
+    refine::PathResidual after;   ///< As the record shows them, in pixels of the frame.
+    double viewKept = 1;          ///< Share of the frame's area that is shown.
+    bool measured = true;         ///< Otherwise most motions are guesses, and so are the residuals.
+
+    bool isSteadier() const { return measured && after.shift() < before.shift(); }
+};
+
+/// Of the sweep's record, the engine's or the refinement's. @throws ToolError: see requirePath.
+Steadiness steadinessOf(const Sweep& sweep);
+
+/// One sentence: steadier by how much at which price, or not and why.
+std::string verdictOn(const Steadiness& steadiness);
+
+}  // namespace orbitwalk::tool

@@ -56,11 +56,15 @@ target_include_directories(orbitwalk_headers INTERFACE
     ${PROJECT_SOURCE_DIR}/host/platform/include
     ${PROJECT_SOURCE_DIR}/host/mp4writer/include)
 
-# orbitwalk_test(NAME SOURCES file... [LIBRARIES lib...])
-# Declares one GoogleTest program and registers each of its tests with CTest.
+# orbitwalk_test(NAME [ALONE] SOURCES file... [LIBRARIES lib...])
+# Declares one GoogleTest program and registers each of its tests with CTest. ALONE: its files name things alike,
+# so that each is compiled alone in a unity build too.
 function(orbitwalk_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "ALONE" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
+    if(ARG_ALONE)
+        set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
+    endif()
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_link_libraries(${name} PRIVATE orbitwalk_settings orbitwalk_sanitized_program ${ARG_LIBRARIES}
         GTest::gmock GTest::gtest_main)

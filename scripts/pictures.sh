@@ -9,11 +9,11 @@ scripts/sweep.sh
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-build/sweep/orbitwalk render out/sweep --strip "$work/strip.png"
+build/release/orbitwalk render out/sweep --strip "$work/strip.png"
 ffmpeg -v error -y -i "$work/strip.png" -q:v 5 docs/strip.jpg
 
 # The page's section on the path alone; the report draws it in a real browser.
-build/sweep/orbitwalk report out/sweep -o "$work/report.html"
+build/release/orbitwalk report out/sweep -o "$work/report.html"
 sed -i 's|</head>|<style>header, #verdict, #warnings, #summary, section:not(:has(#path)) { display: none }</style></head>|' "$work/report.html"
 chromium --headless --no-sandbox --disable-gpu --hide-scrollbars --user-data-dir="$work/profile" \
     --host-resolver-rules='MAP * ~NOTFOUND' --window-size=1360,860 --virtual-time-budget=4000 \

@@ -23,9 +23,11 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 install_packages "${packages_build[@]}" "${packages_demo[@]}"
-cmake -S . -B build/sweep -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build build/sweep
-tool=$PWD/build/sweep/orbitwalk
+# The tests, where they were built, share the tree.
+[ -f build/release/CMakeCache.txt ] ||
+    cmake --preset release -DORBITWALK_BUILD_TESTS=OFF -DORBITWALK_BUILD_BENCHMARKS=OFF >/dev/null
+cmake --build build/release --target orbitwalk
+tool=$PWD/build/release/orbitwalk
 
 mkdir -p out
 if [ -z "$video" ]; then

@@ -12,7 +12,7 @@ namespace orbitwalk::media {
 
 namespace {
 
-constexpr AVRational kMicroseconds{1, AV_TIME_BASE};
+constexpr AVRational kTimeBase{1, AV_TIME_BASE};
 
 /// Sound that ends a little before the picture, and durations rounded up, are no loss.
 constexpr std::int64_t kDurationTolerance = AV_TIME_BASE / 2;
@@ -95,12 +95,12 @@ void VideoDecoder::noteTimes() {
     if (packet.pts == AV_NOPTS_VALUE)
         return;
     const AVRational unit = container().streams[packet.stream_index]->time_base;
-    mEnd = std::max(mEnd, av_rescale_q(packet.pts + packet.duration, unit, kMicroseconds));
+    mEnd = std::max(mEnd, av_rescale_q(packet.pts + packet.duration, unit, kTimeBase));
 }
 
 void VideoDecoder::seekBefore(std::int64_t time) {
     // Places are found by the time of decoding, which comes before that of showing.
-    const std::int64_t early = av_rescale_q(AV_TIME_BASE, kMicroseconds, stream().time_base);
+    const std::int64_t early = av_rescale_q(AV_TIME_BASE, kTimeBase, stream().time_base);
     if (avformat_seek_file(&mInput.container(), mStreamIndex, INT64_MIN, time - early, time - early,
                            0) >= 0)
         avcodec_flush_buffers(mCodec.get());
@@ -123,13 +123,13 @@ std::int64_t VideoDecoder::picturesLeft(std::int64_t beforeTime) const {
         container().start_time == AV_NOPTS_VALUE ? 0 : container().start_time;
     const std::int64_t limit = beforeTime == INT64_MAX
                                    ? INT64_MAX
-                                   : av_rescale_q(beforeTime, stream().time_base, kMicroseconds);
+                                   : av_rescale_q(beforeTime, stream().time_base, kTimeBase);
     const std::int64_t end = std::min(begin + container().duration, limit);
     if (end - mEnd <= kDurationTolerance)
         return left;
     const FrameRate rate = frameRateOf(stream());
     return std::max(left,
-                    av_rescale_q(end - mEnd, kMicroseconds, {rate.denominator, rate.numerator}));
+                    av_rescale_q(end - mEnd, kTimeBase, {rate.denominator, rate.numerator}));
 }
 
 void VideoDecoder::fail(const std::string& reason) const {

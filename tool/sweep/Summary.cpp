@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
 /// A hundred times what a capture writes.
-constexpr std::size_t kLongestText = 1 << 20;
+constexpr std::size_t kLongestSummary = 1 << 20;
 
 [[gnu::format(printf, 1, 2)]] std::string line(const char* format, ...) {
     char text[512];
@@ -317,7 +317,7 @@ std::optional<Summary> openSummary(const SweepFiles& files) {
     std::error_code cannotTell;
     if (!fs::exists(files.summary, cannotTell) && !cannotTell)
         return std::nullopt;
-    const std::string text = readTextFile(files.summary, kLongestText);
+    const std::string text = readTextFile(files.summary, kLongestSummary);
     Summary summary;
     try {
         summary = parseSummary(text);

@@ -12,7 +12,8 @@ using Arguments = std::vector<std::string>;
 using testing::HasSubstr;
 
 TEST(CommandLine, EveryCommandHasTheCommonOptions) {
-    for (const char* command : {"capture", "refine", "render", "report", "simulate"}) {
+    for (const char* command :
+         {"capture", "evaluate", "inspect", "refine", "render", "report", "simulate"}) {
         const ToolRun help = runTool({command, "--help"});
         EXPECT_EQ(help.exitCode, 0) << command;
         for (const char* option : {"--json ", "-q,--quiet ", "-h,--help "})

@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 
+#include "evaluate/SweepFacts.h"
+#include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
 #include "tool/AnalyticSweep.h"
@@ -68,6 +71,13 @@ TEST(EvaluateCommand, JudgesASteadyVideoBesideItsSource) {
     EXPECT_NEAR(source.at("mostBeyondSource"), 0, 1e-6);
     EXPECT_NEAR(source.at("sharpness"), 1, 0.05);
     EXPECT_EQ(source.at("missingPixels"), 0);
+    const auto verdict = nlohmann::json::parse(run.out).at("verdict");
+    EXPECT_TRUE(verdict.at("steadier"));
+    EXPECT_NEAR(verdict.at("residualShare"), 0, 0.02);
+    EXPECT_NEAR(verdict.at("viewKept"), 0.64, 0.005);
+    const ToolRun worse = runTool(
+        {"evaluate", "--video", directory / "clip.mp4", "--against", directory / "steady.mp4"});
+    EXPECT_THAT(worse.out, HasSubstr("verdict: not steadier: "));
     EXPECT_EQ(source.at("unregistered"), 0);
 }
 
@@ -92,12 +102,54 @@ TEST(EvaluateCommand, MeasuresACaptureAgainstItsTruth) {
     // What the record says is kept is what the registration of the pictures finds.
     EXPECT_NEAR(result.at("video").at("source").at("keptView"), result.at("sweep").at("keptView"),
                 0.02);
+    EXPECT_EQ(result.at("verdict").at("viewKept"), result.at("video").at("source").at("keptView"));
+    ASSERT_EQ(runTool({"refine", sweep}).exitCode, 0);
+    const auto both =
+        nlohmann::json::parse(runTool({"evaluate", sweep, "--refined", "--json"}).out);
+    EXPECT_EQ(both.at("sweep").at("keptView"), result.at("sweep").at("keptView"));
+    EXPECT_TRUE(both.at("refined").at("verdict").at("steadier"));
+    EXPECT_EQ(both.at("verdict"), both.at("refined").at("verdict"));
+    EXPECT_NE(both.at("verdict"), both.at("sweep").at("verdict"));
     const ToolRun text = runTool({"evaluate", sweep, "--truth", truth});
     EXPECT_THAT(text.out, HasSubstr("missing pixels inside the crop: 0;"));
     EXPECT_THAT(text.out, HasSubstr("drift per 100 pixels"));
     writeFile(truth, "frame,dx,dy,da,x,y,a\n0,0,0,0,0,0,0\n");
     EXPECT_THAT(runTool({"evaluate", sweep, "--truth", truth}).err,
                 HasSubstr("it has 1 frames, the sweep has 12"));
+}
+
+TEST(EvaluateCommand, SaysPlainlyThatTheMotionCouldNotBeMeasured) {
+    const TestDirectory directory;
+    const AnalyticSweep sweep;
+    sweep.write(directory / "sweep");
+    std::string path = contentOf(directory / "sweep/sweep.csv");
+    std::size_t rows = 0;  // All but the first repeat the last motion.
+    for (std::size_t end = path.find('\n'); end + 1 < path.size(); ++rows) {
+        end = path.find('\n', end + 1);
+        path[end - 1] = rows > 0 ? '1' : '0';
+    }
+    writeFile(directory / "sweep/sweep.csv", path);
+    const ToolRun run = runTool({"evaluate", directory / "sweep", "--json"});
+    const auto verdict = nlohmann::json::parse(run.out).at("verdict");
+    EXPECT_FALSE(verdict.at("steadier"));
+    EXPECT_THAT(verdict.at("text").get<std::string>(),
+                HasSubstr("the motion could not be measured"));
+}
+
+// Shown are the frames but 4, and corrected they lie on a straight line of (8, 1) a frame.
+TEST(ResidualShare, IsWhatTheCorrectionsLeaveOfTheSecondDifference) {
+    const AnalyticSweep sweep;
+    const std::vector<int> shown{0, 1, 2, 3, 5, 6, 7, 8, 9};
+    double recorded = 0, corrected = 0;
+    for (std::size_t k = 1; k + 1 < shown.size(); ++k) {
+        const int a = shown[k - 1], b = shown[k], c = shown[k + 1];
+        recorded += std::pow(sweep.left(a) - 2 * sweep.left(b) + sweep.left(c), 2) +
+                    std::pow(sweep.top(a) - 2 * sweep.top(b) + sweep.top(c), 2);
+        corrected += 65 * std::pow(a - 2 * b + c, 2);
+    }
+    EXPECT_NEAR(
+        orbitwalk::tool::residualShare(opened(sweep.record()), sweep.measuredPath()).value(),
+        std::sqrt(corrected / recorded), 1e-3);
 }
 
 TEST(EvaluateCommand, JudgesARenderingMirroredAsThePreviewWas) {
@@ -138,6 +190,7 @@ TEST(EvaluateCommand, SaysWhatItCouldNotMeasure) {
     writePictures(clip, flat(3));
     EXPECT_THAT(runTool({"evaluate", "--video", clip}).out,
                 HasSubstr("residual motion: not measured"));
+    EXPECT_THAT(runTool({"evaluate", "--video", clip}).out, HasSubstr("\nverdict: none"));
     // Found in its source, but in none of the frames whose sharpness is looked at.
     auto pictures = flat(1);
     pictures.push_back(takePicture({}));
@@ -146,6 +199,7 @@ TEST(EvaluateCommand, SaysWhatItCouldNotMeasure) {
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const auto video = nlohmann::json::parse(run.out).at("video");
     EXPECT_TRUE(video.at("residualMotion").is_null());
+    EXPECT_TRUE(nlohmann::json::parse(run.out).at("verdict").at("residualShare").is_null());
     EXPECT_TRUE(video.at("source").at("residualMotion").is_null());
     EXPECT_TRUE(video.at("source").at("sharpness").is_null());
     EXPECT_NEAR(video.at("source").at("keptView"), 1, 0.005);
@@ -162,6 +216,9 @@ TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {
     writePictures(grey, flat(3));
     const AnalyticSweep analytic;
     analytic.write(sweep);
+    const std::string other = directory / "other";
+    analytic.write(other);
+    writeFile(directory / "other/sweep.csv", orbitwalk::tool::sweepCsv(analytic.measuredPath()));
     const std::string whole = directory / "whole.mp4", tenFrames = directory / "ten.mp4";
     analytic.writeVideo(tenFrames, 10);
     analytic.writeVideo(whole, 9);  // As many as a rendering has.
@@ -169,9 +226,14 @@ TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {
     const struct {
         std::vector<std::string> arguments;
         const char* reason;
+        int exitCode = 1;
     } cases[] = {
-        {{}, "nothing to evaluate"},
-        {{"--video", clip, "--truth", "truth.csv"}, "give its directory"},
+        {{}, "nothing to evaluate", 2},
+        {{"--video", clip, "--truth", "truth.csv"}, "--truth is of a capture", 2},
+        {{"--video", clip, "--refined"}, "--refined is of a capture", 2},
+        {{sweep, "--against", clip}, "--against needs a video", 2},
+        {{sweep, "--refined"}, "there is no refinement"},
+        {{other, "--json"}, "sweep.csv is of another sweep: its path leads to the crop"},
         {{"--video", clip, "--against", longer}, "do not correspond"},
         {{"--video", longer, "--against", clip}, "do not correspond"},
         {{"--video", grey, "--against", clip}, "not one frame"},
@@ -183,10 +245,10 @@ TEST(EvaluateCommand, RefusesWhatItCannotJudgeInOneLine) {
         {{sweep, "--video", whole, "--against", clip}, "clip.mp4: the video is 640x480, its"},
         {{sweep, "--video", clip, "--against", tenFrames}, "clip.mp4: the video is 640x480, its"},
     };
-    for (auto [arguments, reason] : cases) {
+    for (auto [arguments, reason, exitCode] : cases) {
         arguments.insert(arguments.begin(), "evaluate");
         const ToolRun run = runTool(arguments);
-        EXPECT_EQ(run.exitCode, 1) << reason;
+        EXPECT_EQ(run.exitCode, exitCode) << reason;
         EXPECT_THAT(run.err, HasSubstr(reason));
         EXPECT_EQ(std::ranges::count(run.err, '\n'), 1) << run.err;
     }

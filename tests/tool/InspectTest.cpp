@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "commands/Commands.h"
+#include "inspect/RecordFormats.h"
 #include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
 #include "terminal/ToolError.h"
@@ -53,17 +54,35 @@ class Inspect : public testing::Test {
 
     std::vector<std::byte> mBytes;
     const test_support::TestDirectory mDirectory;
-    const std::string mPath = mDirectory / "sweep.obw";
+    std::string mPath = mDirectory / "sweep.obw";
 };
 
 TEST_F(Inspect, NamesTheCodesAndCountsTheRenderedFrames) {
     const std::string text = run({});
     EXPECT_THAT(text, HasSubstr("12, range 2 to 9, 7 rendered\n"));
     EXPECT_THAT(text, HasSubstr("270 (reverse landscape)\n"));
-    EXPECT_THAT(text, HasSubstr("2 (right to left)\n"));
+    EXPECT_THAT(text,
+                HasSubstr("2 (right to left; a record alone cannot tell a vertical sweep)\n"));
     EXPECT_THAT(text, HasSubstr("1200x675 at 40,22 (93.8 % of the width, 93.8 % of the height)\n"));
     EXPECT_THAT(text,
                 HasSubstr("frame    5   0     no        0.000     0.000     0.000     0.000\n"));
+}
+
+TEST_F(Inspect, TellsAVerticalSweepWhereTheSummaryDoes) {
+    EXPECT_THAT(recordAsText({opened(sampleRecord()), true}, false),
+                HasSubstr("2 (vertical, which is not supported)\n"));
+    EXPECT_THAT(recordAsText({opened(sampleRecord()), false}, false),
+                HasSubstr("2 (right to left)\n"));
+    EXPECT_TRUE(nlohmann::json::parse(run({"--json"})).at("vertical").is_null());
+}
+
+TEST_F(Inspect, OpensTheRecordOfADirectoryAndRefusesAnotherSweeps) {
+    const std::string alone = run({"--raw"});
+    mPath = mDirectory / "";
+    EXPECT_EQ(run({"--raw"}), alone);
+    EXPECT_THAT(failure({"--refined"}), HasSubstr("refined.json: there is no refinement"));
+    test_support::writeFile(mDirectory / "sweep.csv", "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n");
+    EXPECT_THAT(failure(), HasSubstr("it has 1 frames, the record says 12"));
 }
 
 // Frame 4 was written with the correction (3.5 * 4 - 20, 8 - 4, 0.008 rad = 0.4584 degrees).
@@ -120,12 +139,13 @@ TEST_F(Inspect, RefusesWhatIsNoRecordInOneLineWithTheReason) {
     EXPECT_EQ(failure(), mPath + ": not a motion record: has 52807 bytes, a record has 52808");
     mBytes.assign(OBW_METADATA_SIZE, std::byte{});
     writeFile();
+    EXPECT_EQ(failure({"--refined"}), "--refined is of a capture: give its directory");
     EXPECT_EQ(failure({"--json"}),
               mPath + ": not a motion record: has an implausible frame size, 0x0");
     std::filesystem::remove(mPath);
     EXPECT_EQ(failure(), mPath + ": No such file or directory");
     std::filesystem::create_directory(mPath);
-    EXPECT_EQ(failure(), mPath + ": Is a directory");
+    EXPECT_EQ(failure(), mPath + "/sweep.obw: No such file or directory");
 }
 
 TEST_F(Inspect, TakesOneFormatAtATime) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -10,17 +11,52 @@
 
 namespace orbitwalk::tool {
 
-/// What was asked for, in figures.
-struct Evaluation {
-    std::optional<SweepFacts> sweep;
-    std::optional<PathError> path;
-    std::optional<VideoQuality> video;
+/// What to evaluate; empty paths are not given.
+struct EvaluateOptions {
+    std::filesystem::path directory;
+    std::filesystem::path truth;
+    std::filesystem::path video;
+    std::filesystem::path against;
+    bool refined = false;  ///< The record of the refinement beside the engine's.
 };
 
-/// @return paragraphs for people, one a part.
+/// The conclusion.
+struct Verdict {
+    bool steadier = false;
+    /// Residual motion of the result as a share of the source's, x and y together.
+    std::optional<double> residualShare;
+    std::optional<double> viewKept;  ///< Share of the frame's area, mean of the frames.
+    std::string text;                ///< One line for people.
+};
+
+/// What a record comes to.
+struct RecordEvaluation {
+    SweepFacts facts;
+    Verdict verdict;
+};
+
+/// What was asked for, in figures.
+struct Evaluation {
+    std::optional<RecordEvaluation> sweep;
+    std::optional<RecordEvaluation> refined;
+    std::optional<bool> vertical;  ///< See isVertical of a sweep.
+    std::optional<PathError> path;
+    std::optional<VideoQuality> video;
+    /// Of the video where it is compared, else of the refined record, else of the engine's. None
+    /// for a video that is compared with nothing.
+    std::optional<Verdict> verdict;
+};
+
+/// Shows its progress on the terminal. With a video, decodes it and its source once; twice where
+/// the container does not say how many frames it has.
+/// @throws UsageError when the options do not go together; ToolError, MediaError.
+Evaluation evaluate(const EvaluateOptions& options);
+
+/// @return paragraphs for people, one a part, the verdict last.
 std::string toText(const Evaluation& evaluation);
 
-/// One object a part: sweep, path, video. Keys name their unit. What could not be measured is null.
+/// One object a part: sweep, refined, path, video, verdict; the verdict of each record is inside.
+/// Keys name their unit. What could not be measured is null.
 nlohmann::ordered_json toJson(const Evaluation& evaluation);
 
 }  // namespace orbitwalk::tool

@@ -8,7 +8,20 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json sweepJson(const SweepFacts& sweep) {
+template <typename Value>
+Json orNull(const std::optional<Value>& value) {
+    return value ? Json(*value) : Json(nullptr);
+}
+
+Json verdictJson(const Verdict& verdict) {
+    return {{"steadier", verdict.steadier},
+            {"residualShare", orNull(verdict.residualShare)},
+            {"viewKept", orNull(verdict.viewKept)},
+            {"text", verdict.text}};
+}
+
+Json recordJson(const RecordEvaluation& record, std::optional<bool> vertical) {
+    const SweepFacts& sweep = record.facts;
     return {{"frames", sweep.frames},
             {"renderedFrames", sweep.renderedFrames},
             {"keptView", sweep.keptView},
@@ -16,7 +29,9 @@ Json sweepJson(const SweepFacts& sweep) {
             {"missingBorderPixels", sweep.missingBorderPixels},
             {"meanCorrectionPixels", {{"x", sweep.meanCorrectionX}, {"y", sweep.meanCorrectionY}}},
             {"largestCorrectionPixels", sweep.largestCorrection},
-            {"largestTurnDegrees", sweep.largestTurn}};
+            {"largestTurnDegrees", sweep.largestTurn},
+            {"vertical", orNull(vertical)},
+            {"verdict", verdictJson(record.verdict)}};
 }
 
 Json axisJson(const AxisError& error) {
@@ -51,7 +66,7 @@ Json sourceJson(const SourceComparison& source) {
             {"beyondSource", source.beyond},
             {"mostBeyondSource", source.mostBeyond},
             {"missingPixels", source.missingPixels},
-            {"sharpness", source.sharpness ? Json(*source.sharpness) : Json(nullptr)},
+            {"sharpness", orNull(source.sharpness)},
             {"unregistered", source.unregistered}};
 }
 
@@ -69,11 +84,14 @@ Json videoJson(const VideoQuality& video) {
 Json toJson(const Evaluation& evaluation) {
     Json json = Json::object();
     if (evaluation.sweep)
-        json["sweep"] = sweepJson(*evaluation.sweep);
+        json["sweep"] = recordJson(*evaluation.sweep, evaluation.vertical);
+    if (evaluation.refined)
+        json["refined"] = recordJson(*evaluation.refined, evaluation.vertical);
     if (evaluation.path)
         json["path"] = pathJson(*evaluation.path);
     if (evaluation.video)
         json["video"] = videoJson(*evaluation.video);
+    json["verdict"] = evaluation.verdict ? verdictJson(*evaluation.verdict) : Json(nullptr);
     return json;
 }
 

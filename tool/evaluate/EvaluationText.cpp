@@ -16,15 +16,17 @@ namespace {
     text.append(line).append(1, '\n');
 }
 
-void addSweep(std::string& text, const SweepFacts& sweep) {
-    addLine(text, "sweep: %d of %d frames rendered, %.1f %% of the view kept", sweep.renderedFrames,
-            sweep.frames, sweep.keptView * 100);
+void addRecord(std::string& text, const char* name, const RecordEvaluation& record) {
+    const SweepFacts& sweep = record.facts;
+    addLine(text, "%s: %d of %d frames rendered, %.1f %% of the view kept", name,
+            sweep.renderedFrames, sweep.frames, sweep.keptView * 100);
     addLine(text, "  missing pixels inside the crop: %lld; of the border frames: %lld",
             static_cast<long long>(sweep.missingPixels),
             static_cast<long long>(sweep.missingBorderPixels));
     addLine(text, "  correction of the centre: mean (%+.1f, %+.1f), largest %.1f pixels, %.2f deg",
             sweep.meanCorrectionX, sweep.meanCorrectionY, sweep.largestCorrection,
             sweep.largestTurn);
+    text += "  " + record.verdict.text + "\n";
 }
 
 void addAxis(std::string& text, const char* name, const AxisError& position,
@@ -85,11 +87,19 @@ void addVideo(std::string& text, const VideoQuality& video) {
 std::string toText(const Evaluation& evaluation) {
     std::string text;
     if (evaluation.sweep)
-        addSweep(text, *evaluation.sweep);
+        addRecord(text, "sweep", *evaluation.sweep);
+    if (evaluation.refined)
+        addRecord(text, "refined", *evaluation.refined);
+    if (evaluation.vertical.value_or(false))
+        text += "the camera went up or down: a vertical sweep is not supported\n";
     if (evaluation.path)
         addPath(text, *evaluation.path);
     if (evaluation.video)
         addVideo(text, *evaluation.video);
+    text += "verdict: " +
+            (evaluation.verdict ? evaluation.verdict->text
+                                : std::string("none; --against says what to compare with")) +
+            "\n";
     return text;
 }
 

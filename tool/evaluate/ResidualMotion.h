@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <opencv2/core/mat.hpp>
 #include <optional>
 #include <span>
@@ -21,6 +22,8 @@ struct ResidualMotion {
     double y = 0;
     double angle = 0;
     int unmeasured = 0;  ///< Motions that could not be measured; left out.
+
+    double shift() const { return std::hypot(x, y); }  ///< Both axes together.
 };
 
 /// Nothing when no two motions one after the other could be measured.

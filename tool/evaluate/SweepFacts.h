@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <opencv2/core/types.hpp>
+#include <optional>
 #include <span>
 
 #include "sweep/Playlist.h"
+#include "sweep/SweepCsv.h"
 
 namespace orbitwalk::tool {
 
@@ -21,8 +23,15 @@ struct SweepFacts {
     double meanCorrectionY = 0;
     double largestCorrection = 0;
     double largestTurn = 0;  ///< Degrees.
+    /// Share of the recorded frames' residual motion, x and y together in pixels of the frame, that
+    /// is left in the corrected ones; by the motions that the record was made of. Nothing when they
+    /// are not there, or there is nothing to compare.
+    std::optional<double> residualShare;
 };
 
 SweepFacts sweepFacts(const RecordReader& record);
+
+/// See SweepFacts::residualShare. @param path  as the engine measured it, one row a frame.
+std::optional<double> residualShare(const RecordReader& record, std::span<const SweepRow> path);
 
 }  // namespace orbitwalk::tool

@@ -7,6 +7,7 @@
 #include "evaluate/LumaVideo.h"
 #include "evaluate/PictureQuality.h"
 #include "evaluate/Registration.h"
+#include "sweep/Sweep.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -54,6 +55,8 @@ class Comparison {
 
     /// @param frames  of the video.
     SourceComparison result(int frames) {
+        if (mSource.recorded > 0)
+            requireRecorded();
         if (mSource.frames.empty() ? mVideo.next() : frames != std::ssize(mSource.frames))
             fail();
         if (!mKept.value())
@@ -75,9 +78,19 @@ class Comparison {
         if (mVideo.framesRead() > wanted)
             return;
         while (mVideo.framesRead() <= wanted)
-            if (!mVideo.next())
+            if (!mVideo.next()) {
+                if (mSource.recorded > 0)
+                    requireRecorded();
                 fail();
+            }
         mMeter.take(mVideo.frame());
+    }
+
+    /// Reads the source to its end.
+    void requireRecorded() {
+        while (!(mSource.goesOn && mVideo.framesRead() >= mSource.recorded) && mVideo.next()) {
+        }
+        requireFrameCount(mSource.video, mVideo.framesRead(), mSource.recorded);
     }
 
     void takeView(const View& view) {

@@ -38,6 +38,9 @@ struct Source {
     /// Source frame of each frame of the video; never falls. Empty: the frames correspond.
     std::vector<int> frames;
     bool mirrored = false;  ///< The video shows the source left to right.
+    /// Number of frames that the source must have; 0: not known.
+    int recorded = 0;
+    bool goesOn = false;  ///< It may have more.
 };
 
 /// Judges a video by its pictures alone.

@@ -1,6 +1,11 @@
 #include "inspect/RecordEntries.h"
 
 #include <algorithm>
+#include <filesystem>
+
+#include "inspect/RecordFormats.h"
+#include "sweep/Sweep.h"
+#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 
@@ -15,6 +20,17 @@ MatrixEntry describe(int index, const RenderMatrix& matrix, const std::int32_t (
 }
 
 }  // namespace
+
+InspectedRecord openInspected(const std::filesystem::path& path, bool refined) {
+    std::error_code cannotTell;
+    if (std::filesystem::is_directory(path, cannotTell)) {
+        Sweep sweep = readSweep(path, refined ? RecordBy::Refinement : RecordBy::Engine);
+        return {std::move(sweep.record), isVertical(sweep.summary)};
+    }
+    if (refined)
+        throw UsageError("--refined is of a capture: give its directory");
+    return {readRecordFile(path), std::nullopt};
+}
 
 RecordEntries listEntries(const RecordReader& record) {
     const auto& raw = record.raw();

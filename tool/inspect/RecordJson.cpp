@@ -35,7 +35,8 @@ Json asJson(const std::vector<Entry>& entries) {
 
 }  // namespace
 
-std::string recordAsJson(const RecordReader& record) {
+std::string recordAsJson(const InspectedRecord& inspected) {
+    const RecordReader& record = inspected.record;
     const auto& raw = record.raw();
     const CropRectangle crop = record.crop();
     const RecordEntries entries = listEntries(record);
@@ -49,6 +50,7 @@ std::string recordAsJson(const RecordReader& record) {
         {"algoVersion", raw.algoVersion},
         {"orientation", raw.orientation},
         {"captureDirection", raw.captureDirection},
+        {"vertical", inspected.vertical ? Json(*inspected.vertical) : Json(nullptr)},
         {"cameraType", raw.cameraType},
         {"frontCameraFlipped", raw.frontCameraFlipped},
         {"crop", {{"x", crop.x}, {"y", crop.y}, {"width", crop.width}, {"height", crop.height}}},

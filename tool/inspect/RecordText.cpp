@@ -15,7 +15,16 @@ namespace {
 /// Pixels along the sweep that the record's 32 bits can hold; what lies beyond is written as this.
 constexpr double kFarthest = 2147.483;
 
-void writeHeader(std::ostream& out, const RecordReader& record, const RecordEntries& entries) {
+std::string directionText(const InspectedRecord& inspected) {
+    if (inspected.vertical.value_or(false))
+        return "vertical, which is not supported";
+    return directionName(inspected.record.direction()) +
+           (inspected.vertical ? "" : "; a record alone cannot tell a vertical sweep");
+}
+
+void writeHeader(std::ostream& out, const InspectedRecord& inspected,
+                 const RecordEntries& entries) {
+    const RecordReader& record = inspected.record;
     const auto& raw = record.raw();
     const CropRectangle crop = record.crop();
     const auto rendered = std::ranges::count_if(entries.frames, &FrameEntry::rendered);
@@ -23,8 +32,7 @@ void writeHeader(std::ostream& out, const RecordReader& record, const RecordEntr
         << "frames       " << raw.numFrames << ", range " << raw.startIndex << " to "
         << raw.endIndex << ", " << rendered << " rendered\n"
         << "orientation  " << raw.orientation << " (" << orientationName(raw.orientation) << ")\n"
-        << "direction    " << raw.captureDirection << " (" << directionName(raw.captureDirection)
-        << ")\n"
+        << "direction    " << raw.captureDirection << " (" << directionText(inspected) << ")\n"
         << "camera       " << raw.cameraType << " (" << cameraName(raw.cameraType) << "), preview "
         << (record.isFlipped() ? "flipped" : "not flipped") << "\n"
         << "algorithm    type " << raw.algoType << ", version " << raw.algoVersion << "\n"
@@ -58,10 +66,10 @@ void writeBorder(std::ostream& out, const char* side, const std::vector<MatrixEn
 
 }  // namespace
 
-std::string recordAsText(const RecordReader& record, bool withFixed) {
-    const RecordEntries entries = listEntries(record);
+std::string recordAsText(const InspectedRecord& inspected, bool withFixed) {
+    const RecordEntries entries = listEntries(inspected.record);
     std::ostringstream out;
-    writeHeader(out, record, entries);
+    writeHeader(out, inspected, entries);
     out << "\n          flag  shown   sweep/px     dx/px     dy/px   angle/°"
         << (withFixed ? "  [matrix x 1000000]" : "") << "\n";
     writeBorder(out, "left", entries.left, withFixed);

@@ -93,6 +93,12 @@ Sweep openSweep(const fs::path& directory, RecordBy by) {
     return readSweep(directory, by);
 }
 
+std::optional<bool> isVertical(const std::optional<Summary>& summary) {
+    if (!summary || summary->schema == 0)
+        return std::nullopt;
+    return summary->direction == OBW_DIRECTION_TOP2BOTTOM;
+}
+
 const std::vector<SweepRow>& requirePath(const Sweep& sweep) {
     if (sweep.path.empty())
         throw ToolError(sweep.files.path.string() + ": " + std::strerror(ENOENT));

@@ -47,6 +47,10 @@ Sweep readSweep(const std::filesystem::path& directory, RecordBy by = RecordBy::
 /// The same for those who show it. @throws ToolError also when the record renders no frame.
 Sweep openSweep(const std::filesystem::path& directory, RecordBy by = RecordBy::Engine);
 
+/// Whether the camera went up or down, which is not supported. A record has no word for it and says
+/// left to right or back; the summary knows. @return nothing where there is none.
+std::optional<bool> isVertical(const std::optional<Summary>& summary);
+
 /// The measured path. @throws ToolError that names the file when there is none.
 const std::vector<SweepRow>& requirePath(const Sweep& sweep);
 

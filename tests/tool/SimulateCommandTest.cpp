@@ -77,6 +77,8 @@ TEST(SimulateCommand, RefusesBadOptions) {
         {{"--seed", "-1"}, "--seed: -1 is not a whole number"},
         {{"--rate", "0"}, "frames a second"},
         {{"--rate", "30/"}, "frames a second"},
+        {{"--rate", "-5"}, "frames a second"},
+        {{"--rate", "2000"}, "frames a second"},
         {{"--speed", "nan"}, "--speed"},
         {{"--frames", "0"}, "--frames"},
         {{"--frames", "2.5"}, "--frames"},
@@ -102,8 +104,8 @@ TEST(SimulateCommand, RefusesBadOptions) {
 TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) {
     const test_support::TestDirectory dir;
     test_support::writeFile(dir / "text", "no picture");
-    std::filesystem::create_directory(dir / "folder");
-    const std::string clip = dir / "clip.mp4", text = dir / "text", folder = dir / "folder";
+    std::filesystem::create_directory(dir / "folder.mp4");
+    const std::string clip = dir / "clip.mp4", text = dir / "text", folder = dir / "folder.mp4";
     const struct {
         Arguments arguments;
         std::string reason;
@@ -113,15 +115,15 @@ TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) 
         {{text, "-o", clip}, text + " is not a picture"},
         {{"-o", dir / "text/clip.mp4"}, "cannot write"},
         {{"-o", folder}, "cannot write " + folder},
-        {{"-o", clip, "--truth", folder}, "cannot write " + folder},
-        {{"-o", clip, "--truth", clip}, "names of their own"},
-        {{text, "-o", text}, "names of their own"},
+        {{"-o", clip, "--truth", text}, "--truth: " + text + " does not end in .csv"},
+        {{"-o", dir / "clip.avi"}, "clip.avi does not end in .mp4"},
+        {{folder, "-o", folder}, "names of their own"},
     };
     for (const auto& [arguments, reason] : cases) {
         const ToolRun run = runTool(smallClip(arguments));
         expectRefusal(run, reason);
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
-        EXPECT_EQ(test_support::namesIn(dir / ""), (Arguments{"folder", "text"})) << reason;
+        EXPECT_EQ(test_support::namesIn(dir / ""), (Arguments{"folder.mp4", "text"})) << reason;
     }
 }
 

@@ -6,16 +6,21 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "support/Complaint.h"
 #include "support/TestDirectory.h"
 #include "sweep/Checksum.h"
+#include "sweep/SmoothedPath.h"
 #include "sweep/Sweep.h"
 #include "sweep/TruthCsv.h"
 #include "terminal/ToolError.h"
 #include "tool/AnalyticSweep.h"
+#include "tool/PanVideo.h"
+#include "tool/RunTool.h"
 
 namespace orbitwalk::tool {
 namespace {
 
+using test_support::TestDirectory;
 using test_support::writeFile;
 using testing::HasSubstr;
 
@@ -23,12 +28,7 @@ const std::string kSweepHeader = "frame,x,y,a,flag,repeated\n";
 const std::string kTruthHeader = "frame,dx,dy,da,x,y,a\n";
 
 std::string complaintOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const ToolError& error) {
-        return error.what();
-    }
-    return "";
+    return test_support::complaintOf<ToolError>(action);
 }
 
 TEST(SweepCsv, KeepsEveryBitOfAFloat) {
@@ -76,7 +76,7 @@ TEST(TruthCsv, RefusesWhatIsNone) {
 }
 
 TEST(TruthCsv, MayGoOnWhereTheSweepIsFull) {
-    const test_support::TestDirectory directory;
+    const TestDirectory directory;
     std::string text = kTruthHeader;
     for (int i = 0; i < OBW_MAX_FRAMES + 3; ++i)
         text += std::to_string(i) + ",0,0,0," + std::to_string(i) + ",0,0\n";
@@ -90,7 +90,7 @@ TEST(TruthCsv, MayGoOnWhereTheSweepIsFull) {
 // The example of FIPS 180-2.
 TEST(Checksum, IsSha256) {
     const std::string expected = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
-    const test_support::TestDirectory directory;
+    const TestDirectory directory;
     writeFile(directory / "abc", "abc");
     EXPECT_EQ(sha256(std::string("abc")), expected);
     EXPECT_EQ(sha256OfFile(directory / "abc"), expected);
@@ -131,7 +131,7 @@ class Sidecar : public testing::Test {
     }
 
     using AnalyticSweep = test_support::AnalyticSweep;
-    const test_support::TestDirectory directory;
+    const TestDirectory directory;
     const AnalyticSweep sweep{};
     const SweepFiles files{directory / "sweep"};
     Summary summary;
@@ -200,6 +200,67 @@ TEST_F(Sidecar, MayBeFromBeforeItHadANumber) {
     EXPECT_EQ(opened.summary->schema, 0);
     EXPECT_TRUE(opened.summary->truncated);
     EXPECT_EQ(opened.path.size(), 10u);
+}
+
+SweepRow at(double x, int flag) {
+    return {{x, 2 * x, 0}, flag, false};
+}
+
+TEST(SmoothedPath, MeasuresFromTheFirstSelectedFrame) {
+    const SweepRow rows[] = {at(5, 1),  at(7, 0),  at(9, 1), at(10, 1),
+                             at(12, 0), at(14, 1), at(99, 1)};
+    const auto path = smoothedPath(rows, 1, 5, 640, 480);
+    EXPECT_EQ(path.reference, 2);
+    EXPECT_EQ(path.frames, (std::vector{3, 5}));
+    ASSERT_EQ(path.measured.size(), 2u);
+    EXPECT_EQ(path.measured[0].x, 1);
+    EXPECT_EQ(path.measured[1].x, 5);
+    EXPECT_EQ(path.measured[1].y, 10);
+    EXPECT_EQ(path.gaussian.size(), 2u);
+    EXPECT_EQ(path.smoothed.size(), 2u);
+}
+
+TEST(SmoothedPath, FallsBackWhereNoRunKeepsEnough) {
+    std::vector<SweepRow> wild;
+    for (int i = 0; i < 20; ++i)
+        wild.push_back(at(i % 2 ? 400 : -400, 1));
+    const std::vector<SweepRow> single{at(0, 0), at(3, 1)}, none{at(0, 0)};
+    for (const auto& rows : {wild, single, none}) {
+        const auto path = smoothedPath(rows, 0, 20, 640, 480);
+        EXPECT_FALSE(path.feedbackStep);
+        EXPECT_EQ(path.crop.width, 639);
+        EXPECT_EQ(path.smoothed[0].x, 0);
+    }
+    EXPECT_EQ(smoothedPath(single, 0, 20, 640, 480).reference, 1);
+    EXPECT_EQ(smoothedPath(none, 0, 20, 640, 480).reference, -1);
+}
+
+// Where a corrected frame stands is its measured position moved by the correction in the record.
+TEST(SmoothedPath, IsWhereTheEnginesCorrectionsPutTheFrames) {
+    const TestDirectory directory;
+    test_support::writePanVideo(directory / "pan.mp4", {.frames = 16, .stepX = -9, .stepY = 2});
+    const auto run = test_support::runTool(
+        {"capture", directory / "pan.mp4", "-o", directory / "sweep", "--first", "1"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const RecordReader record = readRecordFile(directory / "sweep" / "sweep.obw");
+    const auto rows = readSweepCsv(directory / "sweep" / "sweep.csv", record.frameCount());
+    const auto path = smoothedPath(rows, record.raw().startIndex, record.raw().endIndex,
+                                   record.width(), record.height());
+    ASSERT_TRUE(path.feedbackStep);
+    EXPECT_NO_THROW(requirePathOfRecord(rows, record));
+    EXPECT_EQ(path.reference, 1);
+    EXPECT_EQ(record.crop(), path.crop);
+    Trajectory measured;
+    for (std::size_t v = 0; v < path.frames.size(); ++v) {
+        const int frame = path.reference + static_cast<int>(v);
+        const RenderMatrix matrix = record.renderMatrix(frame);
+        const PicturePoint correction = matrix.outputFromFrame({0, 0});
+        EXPECT_NEAR(measured.x + correction.x, path.smoothed[v].x, 1e-4) << frame;
+        EXPECT_NEAR(measured.y + correction.y, path.smoothed[v].y, 1e-4) << frame;
+        EXPECT_NEAR(measured.a + matrix.angle(), path.smoothed[v].a, 2e-6) << frame;
+        measured = path.measured[v];
+    }
+    EXPECT_LT(measured.x, -9 * 10);
 }
 
 }  // namespace

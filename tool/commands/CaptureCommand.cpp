@@ -16,7 +16,7 @@
 namespace orbitwalk::tool {
 namespace {
 
-struct Arguments {
+struct CaptureArguments {
     CommonOptions common;
     CaptureOptions capture;
     std::string start;
@@ -48,7 +48,7 @@ std::string withRefined(const std::string& summary, const RefinedSummary& refine
     return json.dump(2) + "\n";
 }
 
-void run(Arguments arguments) {
+void run(CaptureArguments arguments) {
     if (arguments.capture.directory.empty())
         throw UsageError("--output: an empty name is no directory");
     if (!arguments.logLevel.empty())
@@ -83,7 +83,7 @@ void addCaptureCommand(CLI::App& app) {
         "capture",
         "Capture a video: sweep.mp4, its motion record sweep.obw, its path sweep.csv, and a "
         "summary, sweep.json");
-    auto arguments = std::make_shared<Arguments>();
+    auto arguments = std::make_shared<CaptureArguments>();
     CaptureOptions& capture = arguments->capture;
     command->add_option("VIDEO", capture.video, "Any video that FFmpeg reads")->required();
     command->add_option("-o,--output", capture.directory, "Directory of the results")->required();

@@ -9,12 +9,12 @@ namespace orbitwalk::tool {
 
 namespace {
 
-struct Arguments {
+struct EvaluateArguments {
     EvaluateOptions evaluate;
     CommonOptions common;
 };
 
-void run(const Arguments& arguments) {
+void run(const EvaluateArguments& arguments) {
     const Evaluation evaluation = evaluate(arguments.evaluate);
     printSummary(arguments.common, toJson(evaluation).dump(2) + "\n", toText(evaluation));
 }
@@ -24,7 +24,7 @@ void run(const Arguments& arguments) {
 void addEvaluateCommand(CLI::App& app) {
     auto* command = app.add_subcommand(
         "evaluate", "Measure a capture against the truth, and how steady a video is");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<EvaluateArguments>();
     EvaluateOptions& options = arguments->evaluate;
     command->add_option("DIR", options.directory, "What capture wrote: sweep.mp4, .obw and .csv");
     command->add_option("--truth", options.truth,

@@ -10,7 +10,7 @@ namespace orbitwalk::tool {
 
 namespace {
 
-struct Arguments {
+struct InspectArguments {
     CommonOptions common;
     std::filesystem::path path;
     bool refined = false;
@@ -18,7 +18,7 @@ struct Arguments {
     bool fixed = false;
 };
 
-void inspect(const Arguments& arguments) {
+void inspect(const InspectArguments& arguments) {
     const InspectedRecord inspected = openInspected(arguments.path, arguments.refined);
     if (arguments.csv)
         printOut(recordAsCsv(inspected.record));
@@ -31,7 +31,7 @@ void inspect(const Arguments& arguments) {
 
 void addInspectCommand(CLI::App& app) {
     CLI::App* command = app.add_subcommand("inspect", "Show what a motion record holds");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<InspectArguments>();
     command
         ->add_option("RECORD", arguments->path,
                      "What capture wrote, a directory, whose files are checked to belong together; "

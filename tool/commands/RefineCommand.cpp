@@ -9,12 +9,12 @@ namespace orbitwalk::tool {
 
 namespace {
 
-struct Arguments {
+struct RefineArguments {
     RefineOptions refine;
     CommonOptions common;
 };
 
-void run(Arguments arguments) {
+void run(RefineArguments arguments) {
     arguments.refine.force = arguments.common.force;
     const RefinedSummary summary = refineSweep(arguments.refine);
     printSummary(arguments.common, toJsonText(summary), toText(summary));
@@ -27,7 +27,7 @@ void addRefineCommand(CLI::App& app) {
         "refine",
         "Measure a captured sweep anew and plan its path over all frames: refined.obw, a record "
         "for the same players, refined.csv, its motions, and refined.json");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<RefineArguments>();
     RefineOptions& options = arguments->refine;
     command->add_option("DIR", options.directory, "What capture wrote; its files stay as they are")
         ->required();

@@ -9,13 +9,13 @@ namespace orbitwalk::tool {
 
 namespace {
 
-struct Arguments {
+struct RenderArguments {
     CommonOptions common;
     RenderOptions render;
     bool refined = false;
 };
 
-void run(Arguments arguments) {
+void run(RenderArguments arguments) {
     RenderOptions& options = arguments.render;
     options.recordBy = arguments.refined ? RecordBy::Refinement : RecordBy::Engine;
     options.replaceForeign = arguments.common.force;
@@ -30,7 +30,7 @@ void run(Arguments arguments) {
 void addRenderCommand(CLI::App& app) {
     auto* command = app.add_subcommand(
         "render", "Play a captured sweep the way a player does, into a video and pictures");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<RenderArguments>();
     RenderOptions& options = arguments->render;
     SteadySettings& steady = options.steady;
     command->add_option("DIR", options.directory, "What capture wrote: sweep.mp4, .obw and .csv")

@@ -15,7 +15,7 @@ namespace orbitwalk::tool {
 
 namespace {
 
-struct Arguments {
+struct SimulateArguments {
     ClipOptions clip;
     std::string size = "1920x1080";
     std::string rate = "30";
@@ -65,7 +65,7 @@ media::FrameRate parseRate(const std::string& text) {
     return {rate.num, rate.den};
 }
 
-void simulate(Arguments arguments) {
+void simulate(SimulateArguments arguments) {
     ClipOptions& clip = arguments.clip;
     clip.settings.size = parseSize(arguments.size);
     clip.settings.rate = parseRate(arguments.rate);
@@ -105,7 +105,7 @@ void addSceneOptions(CLI::App& command, ClipOptions& options) {
         ->capture_default_str();
 }
 
-void addMotionOptions(CLI::App& command, Arguments& arguments) {
+void addMotionOptions(CLI::App& command, SimulateArguments& arguments) {
     SimulationSettings& s = arguments.clip.settings;
     command.add_option("--frames", s.frames, "Number of frames")
         ->check(within(1, 100000))
@@ -124,7 +124,7 @@ void addMotionOptions(CLI::App& command, Arguments& arguments) {
         ->capture_default_str();
 }
 
-void addOutputOptions(CLI::App& command, Arguments& arguments) {
+void addOutputOptions(CLI::App& command, SimulateArguments& arguments) {
     ClipOptions& options = arguments.clip;
     command.add_option("-o,--output", options.clip, "Clip to write, MP4")->required();
     command.add_option(
@@ -148,7 +148,7 @@ void addOutputOptions(CLI::App& command, Arguments& arguments) {
 void addSimulateCommand(CLI::App& app) {
     auto* command = app.add_subcommand(
         "simulate", "Sweep a virtual camera across a photograph, and write what truly moved");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<SimulateArguments>();
     addOutputOptions(*command, *arguments);
     addSceneOptions(*command, arguments->clip);
     addMotionOptions(*command, *arguments);

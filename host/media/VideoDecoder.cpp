@@ -128,8 +128,7 @@ std::int64_t VideoDecoder::picturesLeft(std::int64_t beforeTime) const {
     if (end - mEnd <= kDurationTolerance)
         return left;
     const FrameRate rate = frameRateOf(stream());
-    return std::max(left,
-                    av_rescale_q(end - mEnd, kTimeBase, {rate.denominator, rate.numerator}));
+    return std::max(left, av_rescale_q(end - mEnd, kTimeBase, {rate.denominator, rate.numerator}));
 }
 
 void VideoDecoder::fail(const std::string& reason) const {

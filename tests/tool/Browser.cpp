@@ -31,7 +31,7 @@ BrowserRun openInBrowser(const std::filesystem::path& page) {
     const TestDirectory scratch;
     const std::string log = scratch / "net.json";
     std::vector<std::string> arguments{
-        "-u", "ASAN_OPTIONS",    "-u", "UBSAN_OPTIONS", "-u", "TSAN_OPTIONS", "timeout", "-k", "5",
+        "-u",  "ASAN_OPTIONS",    "-u", "UBSAN_OPTIONS", "-u", "TSAN_OPTIONS", "timeout", "-k", "5",
         "120", ORBITWALK_CHROMIUM};
     for (const char* option :
          {"--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",

@@ -136,22 +136,6 @@ TEST(EvaluateCommand, SaysPlainlyThatTheMotionCouldNotBeMeasured) {
                 HasSubstr("the motion could not be measured"));
 }
 
-// Shown are the frames but 4, and corrected they lie on a straight line of (8, 1) a frame.
-TEST(ResidualShare, IsWhatTheCorrectionsLeaveOfTheSecondDifference) {
-    const AnalyticSweep sweep;
-    const std::vector<int> shown{0, 1, 2, 3, 5, 6, 7, 8, 9};
-    double recorded = 0, corrected = 0;
-    for (std::size_t k = 1; k + 1 < shown.size(); ++k) {
-        const int a = shown[k - 1], b = shown[k], c = shown[k + 1];
-        recorded += std::pow(sweep.left(a) - 2 * sweep.left(b) + sweep.left(c), 2) +
-                    std::pow(sweep.top(a) - 2 * sweep.top(b) + sweep.top(c), 2);
-        corrected += 65 * std::pow(a - 2 * b + c, 2);
-    }
-    EXPECT_NEAR(
-        orbitwalk::tool::residualShare(opened(sweep.record()), sweep.measuredPath()).value(),
-        std::sqrt(corrected / recorded), 1e-3);
-}
-
 TEST(EvaluateCommand, JudgesARenderingMirroredAsThePreviewWas) {
     const TestDirectory directory;
     const AnalyticSweep sweep;

@@ -5,6 +5,7 @@
 
 #include "evaluate/LumaVideo.h"
 #include "sweep/Playlist.h"
+#include "sweep/Steadiness.h"
 #include "sweep/Sweep.h"
 #include "sweep/TruthCsv.h"
 #include "terminal/ProgressBar.h"
@@ -107,30 +108,29 @@ Verdict verdictOf(const SourceComparison& source, const std::optional<ResidualMo
         source.kept, "by the pictures");
 }
 
-/// The engine's record, by the path that it was made of.
+/// By the motions that the record was made of.
 RecordEvaluation evaluated(const Sweep& sweep) {
+    const std::string measuredBy = sweep.refinement ? "by the motion that refine measured"
+                                                    : "by the motion that the capture measured";
     RecordEvaluation result{sweepFacts(sweep.record), {}};
-    if (!sweep.path.empty())
-        result.facts.residualShare = residualShare(sweep.record, sweep.path);
-    result.verdict = verdictOf(result.facts.residualShare, result.facts.keptView,
-                               "by the motion that the capture measured");
-    const int frames = sweep.record.frameCount();
-    const auto repeated =
-        static_cast<int>(std::ranges::count(sweep.path, true, &SweepRow::repeated));
-    const auto warning = repeatedMotionWarning(repeated, frames);
-    if (warning && repeated * 2 > frames)
-        result.verdict = {false, std::nullopt, result.facts.keptView, *warning};
+    if (!sweep.refinement && sweep.path.empty()) {
+        result.verdict = verdictOf(std::nullopt, result.facts.keptView, measuredBy);
+        return result;
+    }
+    const Steadiness steadiness = steadinessOf(sweep);
+    if (steadiness.before.shift() > 0)
+        result.facts.residualShare = steadiness.after.shift() / steadiness.before.shift();
+    result.verdict = verdictOf(result.facts.residualShare, steadiness.viewKept, measuredBy);
+    std::optional<std::string> warning;
+    if (!sweep.refinement)
+        warning = repeatedMotionWarning(
+            static_cast<int>(std::ranges::count(sweep.path, true, &SweepRow::repeated)),
+            sweep.record.frameCount());
+    if (!steadiness.measured)
+        result.verdict = {false, std::nullopt, steadiness.viewKept,
+                          warning.value_or(verdictOn(steadiness))};
     else if (warning)
         result.verdict.text += "; " + *warning;
-    return result;
-}
-
-/// The refinement's, by the motions that it was planned from.
-RecordEvaluation evaluated(const RecordReader& record, const RefinedSummary& summary) {
-    RecordEvaluation result{sweepFacts(record), {}};
-    result.facts.residualShare = remainingShare(summary);
-    result.verdict = verdictOf(result.facts.residualShare, summary.viewKept,
-                               "by the motion that refine measured");
     return result;
 }
 
@@ -146,7 +146,7 @@ void evaluateSweep(const EvaluateOptions& options, Evaluation& evaluation,
     if (!options.refined)
         return;
     sweep.emplace(openSweep(options.directory, RecordBy::Refinement));
-    evaluation.refined = evaluated(sweep->record, sweep->refinement->summary);
+    evaluation.refined = evaluated(*sweep);
     evaluation.verdict = evaluation.refined->verdict;
 }
 

@@ -3,10 +3,8 @@
 #include <cstdint>
 #include <opencv2/core/types.hpp>
 #include <optional>
-#include <span>
 
 #include "sweep/Playlist.h"
-#include "sweep/SweepCsv.h"
 
 namespace orbitwalk::tool {
 
@@ -30,8 +28,5 @@ struct SweepFacts {
 };
 
 SweepFacts sweepFacts(const RecordReader& record);
-
-/// See SweepFacts::residualShare. @param path  as the engine measured it, one row a frame.
-std::optional<double> residualShare(const RecordReader& record, std::span<const SweepRow> path);
 
 }  // namespace orbitwalk::tool

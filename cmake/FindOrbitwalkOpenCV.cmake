@@ -1,9 +1,12 @@
-# OpenCV's modules as targets OrbitwalkOpenCV::core, ::imgproc, ::video and, where present, ::imgcodecs and ::calib3d.
+# OpenCV's modules as targets OrbitwalkOpenCV::core, ::imgproc, ::video, ::imgcodecs and ::calib3d; the components are
+# the modules that must be there.
 # Debian splits OpenCV by module, and its package configuration needs all of them installed; the engine
 # needs three. So the configuration of an SDK is used where there is one, the libraries themselves otherwise.
 find_package(OpenCV 4.6 QUIET CONFIG OPTIONAL_COMPONENTS core imgproc video imgcodecs calib3d)
 foreach(module core imgproc video imgcodecs calib3d)
-    if(TARGET opencv_${module})
+    if(TARGET OrbitwalkOpenCV::${module})
+        # By an earlier call.
+    elseif(TARGET opencv_${module})
         add_library(OrbitwalkOpenCV::${module} ALIAS opencv_${module})
     else()
         find_path(OrbitwalkOpenCV_INCLUDE_DIR opencv2/core.hpp PATH_SUFFIXES opencv4)
@@ -20,5 +23,4 @@ foreach(module core imgproc video imgcodecs calib3d)
     endif()
 endforeach()
 include(FindPackageHandleStandardArgs)
-find_package_handle_standard_args(OrbitwalkOpenCV
-    REQUIRED_VARS OrbitwalkOpenCV_core_FOUND OrbitwalkOpenCV_imgproc_FOUND OrbitwalkOpenCV_video_FOUND)
+find_package_handle_standard_args(OrbitwalkOpenCV REQUIRED_VARS OrbitwalkOpenCV_core_FOUND HANDLE_COMPONENTS)

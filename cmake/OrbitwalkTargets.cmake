@@ -21,7 +21,7 @@ set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 find_package(Threads REQUIRED)
-find_package(OrbitwalkOpenCV REQUIRED)
+find_package(OrbitwalkOpenCV REQUIRED COMPONENTS core imgproc video)
 
 add_library(orbitwalk_settings INTERFACE)
 # File sizes and directory entries beyond 32 bits on 32-bit machines too; without it their directories of large

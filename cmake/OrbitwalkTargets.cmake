@@ -12,12 +12,17 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release)
 endif()
 
+# Where Debian's loader, compilers, pkg-config and CMake look below every prefix, so that the libraries of two machines
+# stand side by side.
+if(EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE AND NOT ANDROID)
+    set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Libraries, below the prefix")
+endif()
+set(CMAKE_INSTALL_DOCDIR share/doc/orbitwalk CACHE PATH "Docs, below the prefix")
 include(GNUInstallDirs)
 
 # The libraries and the tool stand side by side at the top of the build tree and find each other there.
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
-set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 find_package(Threads REQUIRED)

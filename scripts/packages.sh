@@ -10,7 +10,7 @@ packages_build=(
 )
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)
-packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium ffmpeg)
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium ffmpeg man-db zsh fish)
 # For bench/quality, bench/measure_speed and bench/plan_check.
 packages_bench=(ffmpeg lomiri-wallpapers-16.04 python3-cvxopt)
 packages_clang=(clang libclang-rt-14-dev)

@@ -85,19 +85,7 @@ int run(CLI::App& app, int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
-        CLI::App app{"Capture, look at and trust a panning-video sweep."};
-        app.name("orbitwalk");
-        app.set_version_flag("--version", ORBITWALK_VERSION);
-        app.require_subcommand(1);
-        orbitwalk::tool::addSimulateCommand(app);
-        orbitwalk::tool::addCaptureCommand(app);
-        orbitwalk::tool::addInspectCommand(app);
-        orbitwalk::tool::addEvaluateCommand(app);
-        orbitwalk::tool::addRenderCommand(app);
-        orbitwalk::tool::addPlayerCommand(app);
-        orbitwalk::tool::addReportCommand(app);
-        orbitwalk::tool::addRefineCommand(app);
-        return run(app, argc, argv);
+        return run(*orbitwalk::tool::commandLine(), argc, argv);
     } catch (const orbitwalk::tool::ToolError& error) {
         printError(error.what());
         return error.exitCode();

@@ -76,7 +76,7 @@ TEST(Binding, OpenCVsVideoModuleIsLoadedAheadOfTheEngine) {
     ASSERT_NE(video, nullptr);
     const void* deprecated = dlsym(video, "_ZN2cv22estimateRigidTransformERKNS_11_InputArrayES2_b");
     ASSERT_NE(deprecated, nullptr);
-    EXPECT_NE(libraryOf(deprecated), "libOrbitwalkEngine.so");
+    EXPECT_FALSE(libraryOf(deprecated).string().starts_with("libOrbitwalkEngine.so"));
     dlclose(video);
 }
 

@@ -147,9 +147,9 @@ TEST(HostSymbols, EachLibraryExportsItsCallsAndNothingElse) {
 
 TEST(HostSymbols, EachLibraryIsFoundByANameThatAnotherCanTake) {
     EXPECT_THAT(linesOf("readelf -d " PLATFORM_LIBRARY " | grep SONAME"),
-                ElementsAre(HasSubstr("[libOrbitwalkPlatform.so]")));
+                ElementsAre(HasSubstr("[libOrbitwalkPlatform.so.1]")));
     EXPECT_THAT(linesOf("readelf -d " WRITER_LIBRARY " | grep SONAME"),
-                ElementsAre(HasSubstr("[libOrbitwalkMP4Writer.so]")));
+                ElementsAre(HasSubstr("[libOrbitwalkMP4Writer.so.1]")));
     // RPATH, unlike RUNPATH, would come before LD_LIBRARY_PATH.
     EXPECT_THAT(linesOf("readelf -d " WRITER_LIBRARY " | grep -c '(RPATH)' || true"),
                 ElementsAre("0"));

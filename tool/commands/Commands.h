@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <memory>
 
 /// One function a command, each in a source file of its own: it declares the command and its
 /// options, and sets the callback that runs it. A callback reports failure by throwing ToolError or
@@ -17,5 +18,8 @@ void addRenderCommand(CLI::App& app);
 void addPlayerCommand(CLI::App& app);
 void addReportCommand(CLI::App& app);
 void addRefineCommand(CLI::App& app);
+
+/// The program's whole command line.
+std::unique_ptr<CLI::App> commandLine();
 
 }  // namespace orbitwalk::tool

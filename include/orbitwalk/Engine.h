@@ -26,6 +26,8 @@
 ///
 /// A host may write another directory, at most 199 characters and ending in a slash, into
 /// localTmpDir before init. The engine owns that directory: it removes it with all that it holds.
+/// Start makes it anew and refuses a link or anything that takes its name meanwhile, but checks
+/// neither owner nor mode of what is above it, nor of one that it may not read, which stays in use.
 
 #include <cstddef>
 #include <cstdint>

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
@@ -89,23 +90,27 @@ DIR* openDirectory(Entry entry) {
     return directory;
 }
 
-int reportFailure(const char* path, bool showPaths) {
+enum class Removal {
+    gone,      ///< Removed, or was not there.
+    unopened,  ///< Cannot be opened, which counts as removed.
+    failed
+};
+
+void reportFailure(const char* path, bool showPaths) {
     if (showPaths)
         logError("kelOBWEngine::removeTempDir : rm Dir failed %s, return err ", path);
     else
         logError("kelOBWEngine::removeTempDir : rm Dir failed : Line: %d, return err ", 276);
-    return OBW_RESULT_TEMP_DIR_ERROR;
 }
 
-int reportSuccess(const char* path, bool showPaths) {
+void reportSuccess(const char* path, bool showPaths) {
     if (showPaths)
         logInfo("kelOBWEngine::removeTempDir : rm Dir OK %s", path);
     else
         logInfo("kelOBWEngine::removeTempDir : rm Dir OK : Line: %d", 280);
-    return OBW_RESULT_OK;
 }
 
-int removeDirectory(Entry entry, const char* path, bool showPaths);
+Removal removeDirectory(Entry entry, const char* path, bool showPaths);
 
 void removeEntry(Entry entry, const char* path, bool showPaths) {
     if (S_ISDIR(entry.mode())) {
@@ -132,11 +137,11 @@ void removeEntries(DIR* directory, const char* path, bool showPaths) {
     }
 }
 
-/// @param path  of the entry, for the log alone.
-int removeDirectory(Entry entry, const char* path, bool showPaths) {
+Removal removeUnreported(Entry entry, const char* path, bool showPaths) {
     if (S_ISLNK(entry.mode()))
-        return reportFailure(path, showPaths);
+        return Removal::failed;
     DIR* const directory = openDirectory(entry);
+    const bool missing = errno == ENOENT;
     if (showPaths)
         logInfo("kelOBWEngine:: removeTempDir %s : dirPtr = %p", path,
                 static_cast<void*>(directory));
@@ -144,12 +149,26 @@ int removeDirectory(Entry entry, const char* path, bool showPaths) {
         logInfo("kelOBWEngine:: removeTempDir [Line: %d] : dirPtr = %p", 233,
                 static_cast<void*>(directory));
     if (directory == nullptr)
-        return reportSuccess(path, showPaths);
+        return missing ? Removal::gone : Removal::unopened;
     removeEntries(directory, path, showPaths);
     closedir(directory);
     const int result = unlinkat(entry.parent, entry.name, AT_REMOVEDIR);
     logInfo("kelOBWEngine::removeTempDir........... : ret=%d", result);
-    return result == 0 ? reportSuccess(path, showPaths) : reportFailure(path, showPaths);
+    return result == 0 ? Removal::gone : Removal::failed;
+}
+
+/// @param path  of the entry, for the log alone.
+Removal removeDirectory(Entry entry, const char* path, bool showPaths) {
+    const Removal result = removeUnreported(entry, path, showPaths);
+    (result == Removal::failed ? reportFailure : reportSuccess)(path, showPaths);
+    return result;
+}
+
+Removal removeRoot(const RootEntry& root, const char* path, bool showPaths) {
+    if (root.isUsable())
+        return removeDirectory(root.entry(), path, showPaths);
+    reportFailure(path == nullptr ? "" : path, showPaths);
+    return Removal::failed;
 }
 
 }  // namespace
@@ -164,10 +183,8 @@ bool differsFromLocalTmpDir(const char* path) {
 }
 
 int removeTempDir(const char* path, bool showPaths) {
-    const RootEntry root(path);
-    if (!root.isUsable())
-        return reportFailure(path == nullptr ? "" : path, showPaths);
-    return removeDirectory(root.entry(), path, showPaths);
+    const bool failed = removeRoot(RootEntry(path), path, showPaths) == Removal::failed;
+    return failed ? OBW_RESULT_TEMP_DIR_ERROR : OBW_RESULT_OK;
 }
 
 void TempDirectory::take() {
@@ -190,16 +207,21 @@ void TempDirectory::logPaths() const {
 }
 
 int TempDirectory::renew() {
-    if (removeTempDir(tmpDirName, mShowPaths) != OBW_RESULT_OK) {
+    const RootEntry root(tmpDirName);
+    const Removal removal = removeRoot(root, tmpDirName, mShowPaths);
+    if (removal == Removal::failed) {
         logInfo("kelOBWEngine : start : removeTempDir FALIED retrun");
         return OBW_RESULT_TEMP_DIR_ERROR;
     }
-    struct stat status;
-    return stat(tmpDirName, &status) == 0 ? OBW_RESULT_OK : create();
+    const auto [parent, name] = root.entry();
+    if (removal == Removal::unopened && S_ISDIR(root.entry().mode()))
+        return OBW_RESULT_OK;
+    // By the same parent, and refused when somebody has put anything there meanwhile.
+    return reportCreation(mkdirat(parent, name, 0777) == 0);
 }
 
-int TempDirectory::create() {
-    if (mkdir(tmpDirName, 0777) == -1) {
+int TempDirectory::reportCreation(bool created) const {
+    if (!created) {
         logInfo("kelOBWEngine::start  : MKDIR FAILED");
         if (mShowPaths)
             logError("kelOBWEngine::start  : create directory %s FAILED", tmpDirName);

@@ -41,7 +41,10 @@ class TempDirectory {
     /// Takes localTmpDir as it is now.
     void take();
     void logPaths() const;
-    /// Empties it of what an earlier capture left, and creates it. @return 0 or 2.
+    /// Removes what an earlier capture left and creates it anew, in the parent that was opened for
+    /// the removal: what somebody puts there in between, a link or a directory, is refused. A
+    /// directory that is there and cannot be opened is used as it is, whoever owns it and whatever
+    /// its mode. @return 0 or 2.
     int renew();
     /// Removes it, or localTmpDir when that is another one by now.
     void removeAtEnd(const TempDirRemover& remover);
@@ -51,7 +54,7 @@ class TempDirectory {
     char* mp4File() { return mp4FileName; }
 
   private:
-    int create();
+    int reportCreation(bool created) const;
 
     bool mShowPaths;
     char tmpDirName[512] = {};

@@ -22,6 +22,14 @@ class TempDirectoryTest : public testing::Test {
     /// As the engine names it, with a slash at the end.
     std::string name() const { return dir().string() + "/"; }
     int remove(bool showPaths = false) const { return removeTempDir(name().c_str(), showPaths); }
+    /// What start makes of it.
+    int renewed() const {
+        name().copy(localTmpDir, sizeof localTmpDir - 1);
+        localTmpDir[name().size()] = '\0';
+        orbitwalk::TempDirectory directoryOfStart(true);
+        directoryOfStart.take();
+        return directoryOfStart.renew();
+    }
     static void write(const fs::path& file) { test_support::writeFile(file, "x"); }
 
     const test_support::TestDirectory directory;
@@ -97,21 +105,38 @@ TEST_F(TempDirectoryTest, KeepsEntriesWhosePathIsTooLong) {
     EXPECT_FALSE(fs::exists(dir() / "removed"));
 }
 
-TEST_F(TempDirectoryTest, IsNotRemovedByAUserWhoMayNotWriteThere) {
-    constexpr auto readable = static_cast<fs::perms>(0555);
+TEST_F(TempDirectoryTest, OfAnotherUserIsLeftAndUsedWhereItMayNotBeRead) {
     write(dir() / "kept");
-    for (const fs::path& path : {dir(), root})
-        fs::permissions(path, readable);
     const uid_t user = geteuid();
-    if (user == 0) {  // may write everywhere
-        ASSERT_EQ(seteuid(65534), 0);
+    const auto asAnother = [&](unsigned mode, const auto& action) {
+        for (const fs::path& path : {dir(), root})
+            fs::permissions(path, fs::perms(mode));
+        EXPECT_TRUE(user != 0 || seteuid(65534) == 0);  // the superuser may read and write all
+        const int result = action();
+        EXPECT_EQ(seteuid(user), 0);
+        for (const fs::path& path : {root, dir()})
+            fs::permissions(path, fs::perms::owner_all);
+        EXPECT_TRUE(fs::exists(dir() / "kept"));
+        return result;
+    };
+    EXPECT_EQ(asAnother(0555, [&] { return remove(); }), 2);
+    EXPECT_EQ(asAnother(0333, [&] { return remove(); }), 0);
+    EXPECT_EQ(asAnother(0333, [&] { return renewed(); }), 0);
+}
+
+TEST_F(TempDirectoryTest, IsNotMadeWhereSomethingTakesItsNameMeanwhile) {
+    fs::create_directory(root / "other");
+    EXPECT_EQ(renewed(), 0);
+    for (const bool link : {true, false}) {
+        fake_platform::whenLogged([&](const fake_platform::LogLine& line) {
+            if (line.text == "kelOBWEngine::removeTempDir : rm Dir OK " + name())
+                link ? fs::create_directory_symlink(root / "other", dir())
+                     : static_cast<void>(fs::create_directory(dir()));
+        });
+        EXPECT_EQ(renewed(), 2) << link;
+        fake_platform::whenLogged({});
+        fs::remove(dir());
     }
-    const int result = remove();
-    ASSERT_EQ(seteuid(user), 0);
-    for (const fs::path& path : {root, dir()})
-        fs::permissions(path, fs::perms::owner_all);
-    EXPECT_EQ(result, 2);
-    EXPECT_TRUE(fs::exists(dir() / "kept"));
 }
 
 TEST(LocalTmpDir, MayFillItsBufferToTheLastByte) {

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <random>
 
 #include "Scene.h"
 #include "findTransform/ifindTransform.h"
 #include "support/FakePlatform.h"
+#include "support/Transcript.h"
 
 using namespace orbitwalk;
 
@@ -128,7 +128,9 @@ TEST(Finder, RepeatsTheLastMotionWhileItHasNoBuffers) {
 TEST(Finder, KeepsItsPictureWhenASecondSizeIsRefused) {
     const Finder finder = started();
     feed(finder, Trajectory{});
-    EXPECT_EQ(finder->Initialize(3, 3), 1);
+    for (const auto& [width, height] :
+         {std::pair{3, 100}, {100, 3}, {32768, 8}, {8, 32768}, {0, 480}, {640, -1}})
+        EXPECT_EQ(finder->Initialize(width, height), 1) << width << 'x' << height;
     expectNear(feed(finder, Trajectory{8, 0, 0}), {8, 0, 0});
     EXPECT_EQ(finder->Initialize(64, 64), 0);
     std::vector<unsigned char> luma(64 * 64);
@@ -161,23 +163,12 @@ TEST(FinderLog, TellsTheLifeOfAFinder) {
     finder->Release();
     EXPECT_EQ(ifindTransform::Destroy(finder), 1);
     EXPECT_EQ(ifindTransform::Destroy(nullptr), 1);
+    test_support::expectTranscript(
+        fake_platform::logTexts("ORBITWALK_ENGINE 2D_CALCULATE_TRANSFORM"), "finder-life");
     const auto lines = fake_platform::logLines();
-    const char* const expected[] = {
-        "c2DCalculateTransform::c2DCalculateTransform Enter",
-        "c2DCalculateTransform::Initialize : Enter : WidthxHeight = 0x480 ",
-        "c2DCalculateTransform::Initialize Error: WidthxHeight = 0x480",
-        "c2DCalculateTransform::Initialize : Enter : WidthxHeight = 640x360 ",
-        "c2DCalculateTransform::Initialize -- buildType = user",
-        "c2DCalculateTransform::Release Enter",
-        "c2DCalculateTransform::Release Exit",
-        "c2DCalculateTransform::~c2DCalculateTransform Enter",
-        "c2DCalculateTransform::~c2DCalculateTransform Exit",
-    };
-    ASSERT_EQ(lines.size(), std::size(expected));
-    for (std::size_t i = 0; i < lines.size(); ++i)
-        EXPECT_EQ(lines[i],
-                  (fake_platform::LogLine{i == 2 ? 6 : 4, "ORBITWALK_ENGINE 2D_CALCULATE_TRANSFORM",
-                                          expected[i]}));
+    ASSERT_EQ(lines.size(), 9u);
+    EXPECT_EQ(lines[2].priority, 6) << "the refusal";
+    EXPECT_EQ(lines[3].priority, 4);
 }
 
 TEST(FinderLog, SaysNothingOfAReplacedFinder) {
@@ -202,67 +193,9 @@ std::vector<std::string> linesOfAMeasuredFrame(const char* buildType) {
     return lines;
 }
 
-/// Matches a text in which each # stands for a number or an address.
-testing::Matcher<std::string> textLike(const std::string& pattern) {
-    std::string expression;
-    for (const char c : pattern) {
-        if (c == '#')
-            expression += "-?(0x[0-9a-f]+|[0-9]+[.][0-9]{6}|[0-9]+)";
-        else
-            expression += std::string(std::strchr("[]().", c) ? "\\" : "") + c;
-    }
-    return testing::MatchesRegex(expression);
-}
-
 TEST(FinderLog, TellsAMeasuredFrameInOrder) {
-    const struct {
-        bool engineering;
-        const char* text;
-    } expected[] = {
-        {false, "CalculatePrevToCurTransform Enter : src = # WxH = 1280x720 "},
-        {false, "CalculatePrevToCurTransform Frm[1] : CurIndx = 1 PrevIndx = 0 \n"},
-        {true,
-         "CalculatePrevToCurTransform: resize before, src = #, rszFactor=4 prevBuf = # curBuf = #"},
-        {false, "<CalculatePrevToCurTransform:ResizeOPT>"},
-        {false, "CalculatePrevToCurTransform: image range :  192x108  192x108"},
-        {false, "<CalculatePrevToCurTransform:profile feature_extract_capture>"},
-        {false, "CalculatePrevToCurTransform:key points : GFTT_OPENCV Point2f size : #"},
-        {true, "CalculatePrevToCurTransform prevFeaturePoints  frame number 1 roi = #  w: 192 "},
-        {true,
-         "CalculatePrevToCurTransform forward tracking frame number 1 enter prev points currpoints "
-         "# 0"},
-        {false, "TrackPointsWithOpticalFlow : LK_OPENCV"},
-        {false, "<CalculatePrevToCurTransform:profile feature_track_forward>"},
-        {true,
-         "CalculatePrevToCurTransform forward tracking frame number 1 exit prev points currpoints "
-         "# #"},
-        {true,
-         "CalculatePrevToCurTransform backward tracking frame number 1 enter prev points "
-         "currpoints # #"},
-        {false, "TrackPointsWithOpticalFlowBackward : LK_OPENCV"},
-        {false, "<CalculatePrevToCurTransform:profile feature_track_backward>"},
-        {true,
-         "CalculatePrevToCurTransform backward tracking frame number 1 exit prev points currpoints "
-         "# #"},
-        {true, "FilterkeyPoints backward forward consistency done # #"},
-        {false, "OTSUTHRESHOLDING : threshold value median = #\n"},
-        {false, "OTSUTHRESHOLDING : threshold value otsu  = #\n"},
-        {true, "FilterkeyPoints backward forward consistency done # #"},
-        {false, "CalculatePrevToCurTransform:key points : keypoints size after filtering : #"},
-        {false, "<CalculatePrevToCurTransform:profile feature_tracking_and_transform_estimation>"},
-        {false, "CalculatePrevToCurTransform : Frame[1] : Transform[ #, #, # ] "},
-        {false, "c2DCalculateTransform::getTransform : Frame[1] : Transform [ #, #, # ] "},
-        {false,
-         "c2DCalculateTransform::getCumulativeTransform : Frame[1] : Trajectory [ #, #, # ] "},
-    };
-    for (const bool engineering : {false, true}) {
-        std::vector<testing::Matcher<std::string>> matchers;
-        for (const auto& line : expected)
-            if (engineering || !line.engineering)
-                matchers.emplace_back(textLike(line.text));
-        EXPECT_THAT(linesOfAMeasuredFrame(engineering ? "eng" : "user"),
-                    testing::ElementsAreArray(matchers));
-    }
+    for (const char* build : {"user", "eng"})
+        test_support::expectTranscript(linesOfAMeasuredFrame(build), "finder", build);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "frameproc/FrameSize.h"
 #include "support/FakeMP4Writer.h"
 #include "support/FakePlatform.h"
+#include "support/Transcript.h"
 
 namespace {
 
@@ -149,7 +150,6 @@ TEST_F(FrameProcessor, LabelsItsLinesByTypeAndProcess) {
 
 TEST_F(FrameProcessor, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
     for (const std::string build : {"user", "eng"}) {
-        const bool engineering = build == "eng";
         fake_platform::setBuildType(build);
         fake_platform::clearLog();
         {
@@ -159,30 +159,7 @@ TEST_F(FrameProcessor, LogsARecordingWithPathsOnEngineeringBuildsOnly) {
             processor.stop();
             processor.abort();
         }
-        const std::string paths = "MP4 file : clip.mp4, MP4 tmp dir : /tmp/work/, ";
-        std::vector<std::string> expected{
-            "OBW_FrameProcessor::OBW_FrameProcessor -- buildType = " + build,
-            "OBW_FrameProcessor::OBW_FrameProcessor -- ENGINEERING build",
-            "::OBW_FrameProcessor -- enter: 4x2, " + (engineering ? paths : "") +
-                "MP4 handles : (nil), -1, buffer pool = (nil)",
-            "::OBW_FrameProcessor -- done : mMaxFrameSize = 12",
-            "::start-- enter",
-            "::start -- done",
-            "::sendFrame -- enter, size = 12, mMaxFrameSize = 12, frameCount=0",
-            "::sendFrame -- done, frameCount=1",
-            "::stop block FRAMEPROC_ALL-- enter",
-            "::stop block -- signalEndOfFrames",
-            "::stop block -- signalEndOfFrames done",
-            "::stop block -- mMP4Encoder stop done",
-            "::stop block  FRAMEPROC_ALL-- done",
-            "::abort FRAMEPROC_ALL-- enter",
-            "::abort -- called without start()",
-            "::~OBW_FrameProcessor -- enter : mIsRunning=0",
-            "::~OBW_FrameProcessor -- done",
-        };
-        if (!engineering)
-            expected.erase(expected.begin() + 1);
-        EXPECT_EQ(log(), expected) << build;
+        test_support::expectTranscript(log(), "frame-processor", build);
     }
 }
 

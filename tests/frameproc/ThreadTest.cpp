@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "support/FakePlatform.h"
+
 namespace {
 
 /// Says that its first unit of work has begun, and does not end it before it is let go.
@@ -50,22 +52,22 @@ struct Thread : testing::Test {
     std::optional<HeldThread> thread{std::in_place, steps};
 };
 
-TEST_F(Thread, StartedTwiceRunsOnceUntilItsWorkIsDone) {
-    thread->start();
-    thread->start();
-    thread->letGo();
-    thread->join();
-    thread->join();
-    thread->start();
-    EXPECT_FALSE(thread->joinable());
-    EXPECT_THAT(steps, ElementsAre("start", "run", "run", "run", "stop"));
-}
-
-TEST_F(Thread, IsWaitedForByItsDestructor) {
-    thread->start();
-    thread->letGo();
-    thread.reset();
-    EXPECT_THAT(steps, ElementsAre("start", "run", "run", "run", "stop"));
+TEST_F(Thread, StartedTwiceRunsOnceAndIsWaitedForByJoinOrDestructor) {
+    for (const bool joined : {true, false}) {
+        thread.emplace(steps);
+        thread->start();
+        thread->start();
+        thread->letGo();
+        if (joined) {
+            thread->join();
+            thread->join();
+            thread->start();
+            EXPECT_FALSE(thread->joinable());
+        }
+        thread.reset();
+        EXPECT_THAT(steps, ElementsAre("start", "run", "run", "run", "stop"));
+        steps.clear();
+    }
 }
 
 TEST_F(Thread, EndsAfterTheUnitInWhichItWasAskedToStopAndIsNotWaitedForAgain) {
@@ -104,8 +106,7 @@ TEST_F(Thread, OnceDetachedIsNotJoined) {
     thread->join();
     EXPECT_FALSE(thread->ended);
     thread->letGo();
-    while (!thread->ended)
-        std::this_thread::yield();
+    EXPECT_TRUE(fake_platform::waitUntil([&] { return thread->ended.load(); }));
 }
 
 TEST(ThreadSleep, IsInWholeSecondsAndNanoseconds) {

@@ -86,8 +86,12 @@ void clearLog() {
 }
 
 bool waitForLog(std::string_view text) {
+    return waitUntil([=] { return countLogPrefix(text) > 0; });
+}
+
+bool waitUntil(const std::function<bool()>& condition) {
     const auto alarm = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (countLogPrefix(text) == 0) {
+    while (!condition()) {
         if (std::chrono::steady_clock::now() > alarm)
             return false;
         std::this_thread::yield();

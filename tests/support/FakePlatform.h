@@ -36,5 +36,7 @@ void whenLogged(std::function<void(const LogLine&)> listener);
 /// Waits until a line that begins with this text has been logged, a minute at most.
 /// @return whether it came.
 bool waitForLog(std::string_view text);
+/// The same for anything that another thread brings about.
+bool waitUntil(const std::function<bool()>& condition);
 
 }  // namespace fake_platform

@@ -1,4 +1,4 @@
-# What is installed, in three components: `libraries` (engine, refine), `tool` (the tool, and a host's libraries) and
+# What is installed, in three components: `libraries` (engine, its C interface, refine), `tool` (the tool, and a host's libraries) and
 # `development` (headers, names to link by, CMake package, pkg-config files, docs, examples).
 include(CMakePackageConfigHelpers)
 
@@ -60,6 +60,7 @@ target_include_directories(OrbitwalkReader INTERFACE $<BUILD_INTERFACE:${PROJECT
 
 orbitwalk_install_library(Reader development)
 orbitwalk_install_library(Engine libraries CFLAGS "${opencv_flags}" LIBS -lopencv_core)
+orbitwalk_install_library(C libraries)
 orbitwalk_install_library(Refine libraries)
 orbitwalk_install_library(Platform tool INCLUDE ${host_includes}
     HEADERS ${PROJECT_SOURCE_DIR}/host/platform/include/OrbitwalkPlatform.h)
@@ -82,6 +83,7 @@ install(FILES
     include/orbitwalk/RecordReader.h
     include/orbitwalk/RenderMatrix.h
     include/orbitwalk/SharedBuffers.h
+    include/orbitwalk/orbitwalk.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orbitwalk COMPONENT development)
 if(ORBITWALK_BUILD_REFINE)
     install(DIRECTORY include/orbitwalk/refine DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orbitwalk COMPONENT development

@@ -40,7 +40,7 @@ std::vector<std::byte> record() {
 }  // namespace
 
 int main() {
-    std::printf("record of %zu bytes\n", getSizeOrbitwalkInformation());
+    std::printf("record of %d bytes\n", getSizeOrbitwalkInformation());
     const auto reader = std::get<RecordReader>(RecordReader::open(record()));
     std::printf("%d frames, the last one at %.0f\n", reader.frameCount(), reader.displacement(9));
 

@@ -1,11 +1,14 @@
-# What is installed, in three components: `libraries` (engine, its C interface, refine), `tool` (the tool, and a host's libraries) and
-# `development` (headers, names to link by, CMake package, pkg-config files, docs, examples).
+# What is installed, in three components: `libraries` (engine, its C interface, refine), `tool` (the tool, and a host's
+# libraries) and `development` (headers, names to link by, CMake package, pkg-config files, docs, examples).
 include(CMakePackageConfigHelpers)
 
 # Who links a library by its name is told when its calls or its records' layout change. Android has no such names.
 set(ORBITWALK_SOVERSION 1)
 set(cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orbitwalk)
 set(host_includes ${CMAKE_INSTALL_INCLUDEDIR}/orbitwalk/host)
+
+# All that has to be built for it, without the tests.
+add_custom_target(installed)
 
 # orbitwalk_install_library(NAME COMPONENT [INCLUDE DIRECTORY] [HEADERS FILE...])
 # As Orbitwalk::NAME for CMake, here and where it is installed, and as orbitwalk-NAME for pkg-config.
@@ -27,6 +30,7 @@ function(orbitwalk_install_library name component)
         # them means the working directory.
         set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON
             SOVERSION ${ORBITWALK_SOVERSION} VERSION ${ORBITWALK_SOVERSION}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH})
+        add_dependencies(installed ${target})
     endif()
     install(TARGETS ${target} EXPORT OrbitwalkTargets
         LIBRARY COMPONENT ${component} NAMELINK_COMPONENT development)
@@ -70,6 +74,10 @@ if(TARGET orbitwalk)
     set_target_properties(orbitwalk PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}"
         BUILD_WITH_INSTALL_RPATH ON)
     install(TARGETS orbitwalk COMPONENT tool)
+    add_dependencies(installed orbitwalk)
+endif()
+if(TARGET manual)
+    add_dependencies(installed manual)
 endif()
 
 install(FILES

@@ -13,6 +13,7 @@ packages_pictures=(chromium ffmpeg)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium ffmpeg man-db zsh fish)
 # For bench/quality, bench/measure_speed and bench/plan_check.
 packages_bench=(ffmpeg lomiri-wallpapers-16.04 python3-cvxopt)
+packages_package=(debootstrap dpkg-dev file lintian)
 packages_clang=(clang libclang-rt-14-dev)
 
 # is_there NAME: the package is installed, or the command npm for the package of that name: Node.js from another

@@ -35,7 +35,6 @@ cmake -S "$here/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$pre
 "$work/consumer/consumer" | same CMake
 
 # Where the compiler is used without CMake no search path leads to the libraries.
-ln -s "$prefix" "$work/c"
 export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
 flags() {
     pkg-config "$@" orbitwalk-engine orbitwalk-refine orbitwalk-reader orbitwalk-mp4writer orbitwalk-platform
@@ -45,8 +44,8 @@ LD_LIBRARY_PATH="$prefix/$libdir" "$work/by_pkg_config" | same pkg-config
 readelf -d "$work/by_pkg_config" | grep -qF '[libOrbitwalkEngine.so.1]' || fail "The engine is not named with its version."
 
 # The C library is C's alone: a C compiler and no library of C++ on its command line.
-"${CC:-cc}" -std=c11 -o "$work/by_c" "$prefix/share/doc/orbitwalk/examples/capture/capture_raw.c" \
-    $(pkg-config --cflags --libs orbitwalk-c | sed "s#$prefix#$work/c#g") -pthread || fail "C cannot use orbitwalk-c."
+eval cc -std=c11 -o '"$work/by_c"' '"$prefix/share/doc/orbitwalk/examples/capture/capture_raw.c"' \
+    "$(pkg-config --cflags --libs orbitwalk-c)" -pthread || fail "C cannot use orbitwalk-c."
 
 # The tool finds its libraries beside it, and says what its manual says.
 env -u LD_LIBRARY_PATH "$prefix/bin/orbitwalk" --version >/dev/null

@@ -135,9 +135,6 @@ TEST_F(Refined, IsTheSameWhenItIsMadeWhileCapturing) {
 TEST_F(Refined, ReplansFromTheMotionsThatItSaved) {
     const json first = refine({"--keep", "0.9"});
     const std::string motions = contentOf(sweep / "refined.csv");
-    // No video: nothing can be decoded. The sidecar no longer vouches for one either.
-    fs::remove(sweep / "sweep.json");
-    fs::remove(sweep / "sweep.mp4");
     const json second = refine({"--replan", "--keep", "0.8"});
     EXPECT_EQ(contentOf(sweep / "refined.csv"), motions);
     EXPECT_EQ(second.at("crop").at("width"), 384);
@@ -177,10 +174,23 @@ TEST_F(Refined, RefusesInOneLineAndLeavesNothingHalfWritten) {
 
     refine({"--keep", "0.9"});
     const std::string record = contentOf(sweep / "refined.obw");
-    test_support::writeFile(sweep / "refined.csv", contentOf(sweep / "refined.csv") + "\n");
+    const std::string motions = contentOf(sweep / "refined.csv");
+    test_support::writeFile(sweep / "refined.csv", motions + "\n");
     EXPECT_THAT(refusal({"refine", "--replan"}, 1), HasSubstr("refined.csv is not the one"));
     EXPECT_EQ(contentOf(sweep / "refined.obw"), record);
-    for (const char* text : {"", "[]", "{\"schema\": 2}", "{\"schema\": 1, \"frames\": 1e300}"}) {
+
+    // A record of frames in which nothing was measured is that of any such sweep: the video tells.
+    test_support::writeFile(sweep / "refined.csv", motions);
+    fs::remove(sweep / "sweep.json");
+    test_support::writeFile(sweep / "sweep.mp4", "another sweep's");
+    for (const std::vector<std::string>& reading : {std::vector<std::string>{"refine", "--replan"},
+                                                    {"render", "--refined", "-o", own / "x.mp4"},
+                                                    {"report", "--refined", "-o", own / "x.html"},
+                                                    {"evaluate", "--refined"},
+                                                    {"inspect", "--refined"}})
+        EXPECT_THAT(refusal(reading, 1), HasSubstr("sweep.mp4 is not the one")) << reading[0];
+    for (const char* text :
+         {"", "[]", "{\"schema\": 1}", "{\"schema\": 3}", "{\"schema\": 2, \"frames\": 1e300}"}) {
         test_support::writeFile(sweep / "refined.json", text);
         EXPECT_THAT(refusal({"refine", "--replan"}, 1), HasSubstr("no summary of a refinement"));
     }

@@ -191,9 +191,8 @@ CaptureResult captureSweep(const CaptureOptions& options) {
     result.summary.seconds.total = total.seconds();
     outputs.write(options.directory / kSweepSummaryName, toJsonText(result.summary));
     if (session.motions)
-        result.refined =
-            writeRefinement(outputs, SweepFiles(options.directory), *session.motions,
-                            session.record, result.summary.checksums.record, *options.refine);
+        result.refined = writeRefinement(outputs, SweepFiles(options.directory), *session.motions,
+                                         session.record, result.summary.checksums, *options.refine);
     SignalGuard::check();
     outputs.commit();
     return std::move(result);

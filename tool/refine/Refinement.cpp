@@ -149,14 +149,15 @@ RefinedSweep planSweep(std::span<const refine::FrameMotion> motions, const Recor
 
 RefinedSummary writeRefinement(OutputFiles& outputs, const SweepFiles& files,
                                const MeasuredMotions& measured, const RecordReader& record,
-                               const std::string& engineRecord, const PlanWish& wish) {
+                               const SweepChecksums& sums, const PlanWish& wish) {
     const Stopwatch planning;
     const RefinedSweep refined = planSweep(measured.motions, record, wish);
     RefinedSummary summary = summaryOf(record.frameCount(), refined.plan);
     summary.video = measured.video;
     summary.seconds = {measured.seconds, planning.seconds(), measured.seconds + planning.seconds()};
     const std::string csv = motionCsv(measured.motions);
-    summary.engineRecord = engineRecord;
+    summary.engineVideo = sums.video;
+    summary.engineRecord = sums.record;
     summary.motions = sha256(csv);
     summary.record = sha256(charsOf(refined.record));
     outputs.write(files.refinedRecord, charsOf(refined.record));
@@ -172,8 +173,10 @@ RefinedSummary refineSweep(const RefineOptions& options) {
     const MeasuredMotions measured =
         options.replan ? formerMotions(options.directory) : motionsOf(sweep);
     OutputFiles outputs(options.force);
-    const RefinedSummary summary = writeRefinement(outputs, sweep.files, measured, sweep.record,
-                                                   sha256OfFile(sweep.files.record), options.wish);
+    const SweepChecksums sums{
+        sha256OfFile(sweep.files.video), sha256OfFile(sweep.files.record), {}};
+    const RefinedSummary summary =
+        writeRefinement(outputs, sweep.files, measured, sweep.record, sums, options.wish);
     SignalGuard::check();
     outputs.commit();
     return summary;

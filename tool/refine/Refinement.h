@@ -71,11 +71,11 @@ RefinedSweep planSweep(std::span<const refine::FrameMotion> motions, const Recor
                        const PlanWish& wish);
 
 /// Plans, and begins refined.obw, refined.csv and refined.json: the caller commits them.
-/// @param record  the sweep's, of which engineRecord is the checksum.
+/// @param record  the sweep's. @param sums  of it and of its video.
 /// @throws ToolError; see planSweep.
 RefinedSummary writeRefinement(OutputFiles& outputs, const SweepFiles& files,
                                const MeasuredMotions& measured, const RecordReader& record,
-                               const std::string& engineRecord, const PlanWish& wish);
+                               const SweepChecksums& sums, const PlanWish& wish);
 
 struct RefineOptions {
     std::filesystem::path directory;

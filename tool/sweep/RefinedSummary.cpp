@@ -16,7 +16,8 @@ using Json = nlohmann::ordered_json;
 
 /// Some thirty times what a refinement of the longest sweep writes.
 constexpr std::size_t kLongestText = 1 << 20;
-constexpr int kSchema = 1;
+/// 1 did not say which video it belongs to.
+constexpr int kSchema = 2;
 constexpr double kDegrees = 180 / std::numbers::pi;
 
 Json residualJson(const refine::PathResidual& residual) {
@@ -66,8 +67,9 @@ class Fields {
 RefinedSummary summaryFrom(const Fields& json) {
     constexpr int mostPixels = 32767;
     constexpr double mostSeconds = 1e9;
-    if (json.count("schema", 1000) > kSchema)
-        throw ToolError("a later version wrote it");
+    if (const int schema = json.count("schema", 1000); schema != kSchema)
+        throw ToolError(schema > kSchema ? "a later version wrote it"
+                                         : "an earlier version wrote it: refine the sweep again");
     RefinedSummary s;
     s.toolVersion = json.text("toolVersion");
     s.video = json.text("video");
@@ -86,6 +88,7 @@ RefinedSummary summaryFrom(const Fields& json) {
     s.seconds = {seconds.number("measure", mostSeconds), seconds.number("plan", mostSeconds),
                  seconds.number("total", mostSeconds)};
     const Fields sums = json.inside("checksums");
+    s.engineVideo = sums.text("engineVideo");
     s.engineRecord = sums.text("engineRecord");
     s.motions = sums.text("motions");
     s.record = sums.text("record");
@@ -144,7 +147,10 @@ nlohmann::ordered_json toJson(const RefinedSummary& s) {
         {"seconds",
          {{"measure", s.seconds.measure}, {"plan", s.seconds.plan}, {"total", s.seconds.total}}},
         {"checksums",
-         {{"engineRecord", s.engineRecord}, {"motions", s.motions}, {"record", s.record}}}};
+         {{"engineVideo", s.engineVideo},
+          {"engineRecord", s.engineRecord},
+          {"motions", s.motions},
+          {"record", s.record}}}};
 }
 
 std::string toJsonText(const RefinedSummary& summary) {
@@ -169,6 +175,7 @@ RefinedSummary openRefinedSummary(const SweepFiles& files) {
         throw ToolError(files.refinedSummary.string() +
                         ": no summary of a refinement: " + error.what());
     }
+    requireSame(files.video, summary.engineVideo);
     requireSame(files.record, summary.engineRecord);
     requireSame(files.refinedPath, summary.motions);
     requireSame(files.refinedRecord, summary.record);

@@ -33,9 +33,12 @@ struct RefinedSummary {
     refine::PathResidual after;   ///< Of the frames as the record shows them.
     std::vector<int> unmeasured;  ///< Frames whose motion is taken from those beside it.
     RefineSeconds seconds;
-    std::string engineRecord;  ///< Checksum of the sweep.obw that it was planned beside.
-    std::string motions;       ///< Of refined.csv.
-    std::string record;        ///< Of refined.obw.
+    /// Of the sweep.mp4 and the sweep.obw that it was planned beside. The record alone names no
+    /// sweep: where the engine could measure nothing, those of all sweeps are the same.
+    std::string engineVideo;
+    std::string engineRecord;
+    std::string motions;  ///< Checksum of refined.csv.
+    std::string record;   ///< Checksum of refined.obw.
 };
 
 /// Share of the recorded residual shift that remains; nothing where there was none.

@@ -115,10 +115,13 @@ Placement placementOf(const double* e, int axes, double radius, PicturePoint cen
     return {e[0], e[1], e[2] / radius, axes == 4 ? e[3] / radius : 0, centre};
 }
 
-PathWeights weightsFor(const CropRectangle& crop) {
-    // Mean square distance of the crop's points from its centre.
-    return {.radius = std::sqrt(
-                (double(crop.width) * crop.width + double(crop.height) * crop.height) / 12)};
+/// By the root mean square distance of the crop's points from its centre, or from that of a tenth
+/// of the frame: turning would cost a crop of a few pixels nothing, and the plan would spin it.
+PathWeights weightsFor(const CropRectangle& crop, FrameSize size) {
+    constexpr double least = 0.1;
+    const double diagonal =
+        std::max(std::hypot(crop.width, crop.height), least * std::hypot(size.width, size.height));
+    return {.radius = diagonal / std::sqrt(12)};
 }
 
 /// Largest change of a shift, in pixels.
@@ -173,7 +176,7 @@ PathPlan planned(std::span<const FrameMotion> given, FrameSize size, double keep
             plan.bridged.push_back(t);
     const std::vector<Placement> none(plan.shown.size(), {0, 0, 0, 0, frameCentre(size)});
     const std::vector<Placement> placements = optimalPlacements(
-        plan.motions, Room(size, plan.crop), weightsFor(plan.crop), options, plan);
+        plan.motions, Room(size, plan.crop), weightsFor(plan.crop, size), options, plan);
     plan.before = residualOf(plan.motions, none);
     plan.after = residualOf(plan.motions, placements);
     double shown = 0;

@@ -177,6 +177,13 @@ TEST(PathPlanner, FindsTheLargestCropThatIsSteadyEnough) {
     EXPECT_THAT(refused.text, HasSubstr(std::to_string(nearest)));
 }
 
+TEST(PathPlanner, KeepsTheSmallestCropUpright) {
+    const PathPlan plan = planned(shakySweep(60, kSize, 6), 1e-9);
+    EXPECT_LT(plan.after.shift(), 0.01);
+    for (const auto& correction : plan.corrections)
+        EXPECT_LT(std::abs(correction.angle), 0.5);
+}
+
 TEST(PathPlanner, LeavesShortSweepsAndWholeFramesAsTheyAre) {
     for (const int frames : {1, 2, 40})
         for (const auto& correction :

@@ -16,7 +16,7 @@ constexpr int kNearLevels = 1;
 
 std::vector<uchar> track(const TrackedFrame& from, const TrackedFrame& to, const Points& points,
                          Points& found, int levels, int flags) {
-    const cv::TermCriteria until(cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.003);
+    const cv::TermCriteria until(cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.01);
     std::vector<uchar> status;
     cv::calcOpticalFlowPyrLK(from.pyramid, to.pyramid, points, found, status, cv::noArray(),
                              {kTrackWindow, kTrackWindow}, levels, until, flags);

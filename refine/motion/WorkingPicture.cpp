@@ -10,6 +10,9 @@ namespace {
 
 constexpr int kCellsAcross = 16;  ///< Along the longer side.
 constexpr int kCornersPerCell = 2;
+/// A picture this small shows less of everything; more corners make up for their noise.
+constexpr int kSmallSide = 900;
+constexpr int kCornersPerCellOfSmall = 4;
 /// Corners of one cell are at least this far apart, pixels of the halved picture.
 constexpr int kCornerDistance = 5;
 constexpr int kCornerBlock = 3;
@@ -33,10 +36,10 @@ cv::Point strongest(const cv::Mat1f& strength, cv::Rect cell) {
 }
 
 /// Takes the best corners of a cell and blanks what is too near to them.
-void takeCorners(cv::Mat1f& strength, cv::Rect cell, float least,
+void takeCorners(cv::Mat1f& strength, cv::Rect cell, int most, float least,
                  std::vector<cv::Point2f>& corners) {
     const cv::Rect whole({}, strength.size());
-    for (int k = 0; k < kCornersPerCell; ++k) {
+    for (int k = 0; k < most; ++k) {
         const cv::Point at = strongest(strength, cell);
         if (strength(at) < least)
             return;
@@ -83,10 +86,12 @@ std::vector<cv::Point2f> CornerFinder::operator()(const std::vector<cv::Mat>& py
     cv::minMaxLoc(mStrength(inside), nullptr, &best);
     const float least = std::max(kLeastCorner, kCornerQuality * static_cast<float>(best));
     const int side = std::max(1, std::max(inside.width, inside.height) / kCellsAcross);
+    const bool isSmall = std::max(pyramid[0].cols, pyramid[0].rows) < kSmallSide;
+    const int most = isSmall ? kCornersPerCellOfSmall : kCornersPerCell;
     std::vector<cv::Point2f> corners;
     for (int y = inside.y; y < inside.br().y; y += side)
         for (int x = inside.x; x < inside.br().x; x += side)
-            takeCorners(mStrength, cv::Rect(x, y, side, side) & inside, least, corners);
+            takeCorners(mStrength, cv::Rect(x, y, side, side) & inside, most, least, corners);
     return corners;
 }
 

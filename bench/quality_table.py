@@ -23,6 +23,10 @@ def cell(value, form):
     return UNMEASURED if value is None else format(value, form)
 
 
+def ratio_cell(value, other):
+    return cell(value / other if other else None, ".2f")
+
+
 def residual_cells(residual):
     if residual is None:
         return [UNMEASURED, UNMEASURED]
@@ -68,19 +72,26 @@ def one_view(clip):
                b["source"]["beyondSource"], methods[ours]["plan"])
 
 
+def path_error_cell(clip):
+    error = clip["methods"]["refined"].get("pathError")
+    return "{:.3f}, {:.3f}; {:.4f}".format(*error) if error else ""
+
+
 def refined_rows(clip):
     own = clip["methods"]["vidstab"]["video"]["source"]["keptView"]
     view = clip["viewAtVidstabsResidual"]
     for view_of, kept, other_kept, shift, other_shift, angle, other_angle, beyond, plan in one_view(clip):
         planned = magnitude(plan["residualAfter"]) / plan["keep"]
         yield [clip["name"] if view_of == "vidstab's" else "", view_of, f"{kept:.1%}, {other_kept:.1%}",
-               f"{shift:.3f}, {other_shift:.3f}", f"{shift / other_shift:.2f}", f"{shift / planned:.2f}",
-               f"{angle:.4f}, {other_angle:.4f}", f"{angle / other_angle:.2f}", f"{beyond:.2%}",
-               f"{100 * (view - own):+.1f}" if view_of == "vidstab's" else ""]
+               f"{shift:.3f}, {other_shift:.3f}", ratio_cell(shift, other_shift), ratio_cell(shift, planned),
+               f"{angle:.4f}, {other_angle:.4f}", ratio_cell(angle, other_angle), f"{beyond:.2%}",
+               *((f"{100 * (view - own):+.1f}", path_error_cell(clip), str(len(plan["unmeasuredFrames"])))
+                 if view_of == "vidstab's" else ("", "", ""))]
 
 
 REFINED_HEADER = ("| clip | view | kept: refined, vidstab | shift, px: refined, vidstab | ratio | of the planned "
-                  "| angle, °: refined, vidstab | ratio | vidstab beyond the source | points at vidstab's shift |")
+                  "| angle, °: refined, vidstab | ratio | vidstab beyond the source | points at vidstab's shift "
+                  "| path error x, y, px; ° | not measured |")
 
 
 def refined_markdown(results):

@@ -61,11 +61,18 @@ target_include_directories(orbitwalk_headers INTERFACE
     ${PROJECT_SOURCE_DIR}/host/platform/include
     ${PROJECT_SOURCE_DIR}/host/mp4writer/include)
 
-# orbitwalk_test(NAME [ALONE] SOURCES file... [LIBRARIES lib...])
-# Declares one GoogleTest program and registers each of its tests with CTest. ALONE: its files name things alike,
-# so that each is compiled alone in a unity build too.
+# orbitwalk_test(NAME [ALONE] [ONE_THREAD] [NOT_SANITIZED] SOURCES file... [LIBRARIES lib...] [DEFINITIONS NAME=VALUE...]
+#     [DEPENDS target...])
+# Declares one GoogleTest program and registers its tests with CTest. A sanitizer build registers the program as one
+# test: its processes take seconds to begin.
+#   ALONE          its files name things alike: each is compiled alone in a unity build too.
+#   ONE_THREAD     what it tests has no threads of its own: the thread sanitizer's build does without it.
+#   NOT_SANITIZED  what it tests is not this project's C++, or only as it is released: no sanitizer's build has it.
 function(orbitwalk_test name)
-    cmake_parse_arguments(ARG "ALONE" "" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "ALONE;ONE_THREAD;NOT_SANITIZED" "" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS" ${ARGN})
+    if((ARG_ONE_THREAD AND ORBITWALK_SANITIZE STREQUAL thread) OR (ARG_NOT_SANITIZED AND ORBITWALK_SANITIZE))
+        return()
+    endif()
     add_executable(${name} ${ARG_SOURCES})
     if(ARG_ALONE)
         set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
@@ -73,9 +80,16 @@ function(orbitwalk_test name)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_link_libraries(${name} PRIVATE orbitwalk_settings orbitwalk_sanitized_program ${ARG_LIBRARIES}
         GTest::gmock GTest::gtest_main)
+    target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
+    if(ARG_DEPENDS)
+        add_dependencies(${name} ${ARG_DEPENDS})
+    endif()
     if(ORBITWALK_SANITIZE)
         # Instrumented test code takes long to optimise and little to run.
         target_compile_options(${name} PRIVATE -O0)
+        add_test(NAME ${name} COMMAND ${name})
+        set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+    else()
+        gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
     endif()
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()

@@ -120,8 +120,8 @@ TEST_F(ReportCommand, ASignalEndsTheWaitForAPipe) {
     // The shell comes past the pipe when the tool has opened it, and keeps it open.
     const std::string pipe = (input / "sweep.json").string();
     const ToolRun run = runProgram(
-        "/bin/sh", {"-c", ORBITWALK_TOOL " report " + input.string() + " -o " + page +
-                              " & exec 3>" + pipe + "; kill -TERM $!; wait $!; exit $?"});
+        "/bin/sh", {"-c", toolPath() + " report " + input.string() + " -o " + page + " & exec 3>" +
+                              pipe + "; kill -TERM $!; wait $!; exit $?"});
     EXPECT_EQ(run.exitCode, 128 + SIGTERM);
     EXPECT_EQ(run.err, "orbitwalk: interrupted (Terminated), nothing was kept\n");
     EXPECT_EQ(namesIn(directory / ""), std::vector<std::string>{"sweep"});

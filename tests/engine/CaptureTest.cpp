@@ -33,8 +33,6 @@ TEST_F(EngineTest, AStillCaptureGivesARecordOfIdentities) {
     ASSERT_EQ(writer.inits.size(), 1u);
     EXPECT_EQ(writer.inits[0].file, stream);
     EXPECT_EQ(writer.inits[0].tempDir, std::string(localTmpDir) + "RW_LIB/");
-    EXPECT_EQ(writer.inits[0].width, kWidth);
-    EXPECT_EQ(writer.inits[0].height, kHeight);
 }
 
 TEST_F(EngineTest, StopSendsTheSelectedFramesAgainstTheFirstOfThem) {
@@ -90,6 +88,19 @@ TEST_F(EngineTest, InvalidRangesAndDirectionsFallBackToDefaults) {
         EXPECT_EQ(record.startIndex, c.start);
         EXPECT_EQ(record.endIndex, c.end);
         EXPECT_EQ(record.captureDirection, c.recorded);
+    }
+}
+
+// Whatever the orientation, the displacement that is kept is that along x.
+TEST_F(EngineTest, OrientationAndFlipAreRecordedAsTheRecordNamesThem) {
+    const int cases[][2] = {{0, 0}, {90, 270}, {270, 90}, {180, 180}, {360, 360}, {-90, -90}};
+    reinterpret_cast<unsigned char&>(param.frontCamFlipped) = 0x80;  // as C may leave it
+    for (const auto& [given, recorded] : cases) {
+        param.orientation = given;
+        capture({{0, 0, 0, 1, 0, 0}, {3, 5, 0, 1, 0, 0}}, 0, 1);
+        EXPECT_EQ(record.orientation, recorded);
+        EXPECT_EQ(record.frontCameraFlipped, 1);
+        EXPECT_EQ(record.scaledInputTransform[1], 3000000) << given;
     }
 }
 

@@ -48,21 +48,6 @@ TEST(SweepSelection, SubtractsInDoublePrecision) {
               16777216.0 - static_cast<double>(0.1f));
 }
 
-TEST(SweepAxis, FollowsOrientationAndDirection) {
-    using enum SweepAxis;
-    const struct {
-        int orientation;
-        SweepAxis ofDirection[4];  ///< Left to right, right to left, down, up.
-    } cases[] = {{0, {x, x, y, y}},
-                 {90, {y, y, x, x}},
-                 {180, {x, x, y, y}},
-                 {270, {y, y, x, x}},
-                 {360, {y, y, x, x}}};
-    for (const auto& [orientation, axes] : cases)
-        for (int direction = 1; direction <= 4; ++direction)
-            EXPECT_EQ(sweepAxis(orientation, direction), axes[direction - 1]) << orientation;
-}
-
 TEST(StartParameters, AcceptOnlySizesThatThePipelineCanCarry) {
     const struct {
         int width, height;
@@ -78,16 +63,6 @@ TEST(StartParameters, AcceptOnlySizesThatThePipelineCanCarry) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(isUsableFrameSize(c.width, c.height), c.usable) << c.width << 'x' << c.height;
-}
-
-TEST(StartParameters, AreReadForTheRecord) {
-    const int expected[][2] = {{0, 0}, {90, 270}, {270, 90}, {180, 180}, {360, 360}, {-90, -90}};
-    for (const auto& [given, recorded] : expected)
-        EXPECT_EQ(recordedOrientation(given), recorded);
-    _OBW_ENGINE_INIT_PARAM param{};
-    EXPECT_EQ(frontCamFlipped(param), 0);
-    reinterpret_cast<unsigned char&>(param.frontCamFlipped) = 0x80;
-    EXPECT_EQ(frontCamFlipped(param), 1);
 }
 
 }  // namespace

@@ -84,14 +84,6 @@ TEST(TrackFilter, FiltersByDisplacementFromTwentyTracksOn) {
     }
 }
 
-TEST(LumaReduction, AcceptsSidesFromOneReducedPixelToTheWidthOfTheSteps) {
-    for (const auto& [width, height] : {std::pair{4, 4}, {4, 32767}, {32767, 32767}, {1920, 1080}})
-        EXPECT_TRUE(orbitwalk::canReduce(width, height)) << width << "x" << height;
-    for (const auto& [width, height] :
-         {std::pair{0, 480}, {640, -1}, {3, 100}, {100, 3}, {32768, 8}, {8, 32768}})
-        EXPECT_FALSE(orbitwalk::canReduce(width, height)) << width << "x" << height;
-}
-
 TEST(LumaReduction, StepsThroughWholeGroupsOfEight) {
     const struct {
         int length, reduced, filled, secondIndex, lastIndex;
@@ -126,14 +118,6 @@ TEST(LumaReduction, PicksTheSourcePixelsAndLeavesTheRestAlone) {
     for (int y = 0; y < 9; ++y)
         for (int x = 0; x < 11; ++x)
             EXPECT_EQ(target[y * 11 + x], x < 8 && y < 8 ? 4 * y + x : 255) << x << "," << y;
-}
-
-TEST(LumaReduction, MeasuresInAViewOfTheCentralThreeFifths) {
-    const cv::Mat image(90, 163, CV_8UC1);
-    const cv::Mat view = orbitwalk::centralView(image);
-    EXPECT_EQ(view.size(), cv::Size(99, 54));
-    EXPECT_EQ(view.ptr(), image.ptr(18) + 32);
-    EXPECT_EQ(orbitwalk::centralView(cv::Mat(1, 4, CV_8UC1)).size(), cv::Size(4, 1));
 }
 
 }  // namespace

@@ -246,40 +246,35 @@ TEST_F(MP4WriterFailure, AFullDiskFailsEveryLaterFrameWithOneLineInAll) {
     expectUsable();
 }
 
-TEST_F(MP4WriterFailure, ADeviceWithoutRoomFailsAtTheBeginning) {
-    std::FILE* full = std::fopen("/dev/full", "wb");
-    ASSERT_NE(full, nullptr);
-    EXPECT_NE(begin(full), 1);
-    EXPECT_NE(encode(0), 1);
-    EXPECT_THAT(errors, ElementsAre("cannot write the video: No space left on device"));
-    std::fclose(full);
-    expectUsable();
-}
-
-TEST_F(MP4WriterFailure, TheLastFramesAreNotLostInSilence) {
-    // Room for the header alone: the one fragment is written when the recording ends.
-    MemoryStream stream(1'500);
-    EXPECT_EQ(begin(stream.file()), 1);
-    EXPECT_EQ(encode(0), 1);
-    EXPECT_NE(DeInitMP4Engine(), 1);
-    EXPECT_THAT(errors, ElementsAre("cannot write the video: No space left on device"));
-    EXPECT_NE(std::ferror(stream.file()), 0);
-}
-
-TEST_F(MP4WriterFailure, AReaderThatGoesAwayIsAFailedWriteWhereTheSignalIsIgnored) {
+TEST_F(MP4WriterFailure, NeitherTheHeaderNorTheLastFramesAreLostInSilence) {
     const auto former = std::signal(SIGPIPE, SIG_IGN);
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    std::FILE* stream = fdopen(ends[1], "wb");
-    EXPECT_EQ(begin(stream), 1);
-    close(ends[0]);
-    int results = 0;
-    for (int i = 0; i < 16; ++i)
-        results = encode(i);
-    EXPECT_NE(results, 1);
-    EXPECT_NE(DeInitMP4Engine(), 1);
-    EXPECT_THAT(errors, ElementsAre("cannot write the video: Broken pipe"));
-    std::fclose(stream);
+    MemoryStream header(1'500);  // The one fragment is written when the recording ends.
+    const struct {
+        std::FILE* stream;
+        int begun, frames, encoded;
+        const char* reason;
+    } cases[] = {{std::fopen("/dev/full", "wb"), 0, 1, 0, "No space left on device"},
+                 {header.file(), 1, 1, 1, "No space left on device"},
+                 {fdopen(ends[1], "wb"), 1, 16, 0, "Broken pipe"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        errors.clear();
+        EXPECT_EQ(begin(c.stream) == 1, c.begun == 1);
+        if (c.frames == 16)
+            close(ends[0]);
+        int result = 0;
+        for (int i = 0; i < c.frames; ++i)
+            result = encode(i);
+        EXPECT_EQ(result == 1, c.encoded == 1);
+        EXPECT_TRUE(c.begun == 0 || DeInitMP4Engine() != 1);
+        EXPECT_THAT(errors, ElementsAre(std::string("cannot write the video: ") + c.reason));
+        EXPECT_NE(std::ferror(c.stream), 0);
+        expectUsable();
+    }
+    std::fclose(cases[0].stream);
+    std::fclose(cases[2].stream);
     std::signal(SIGPIPE, former);
 }
 

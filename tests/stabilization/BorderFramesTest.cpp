@@ -26,18 +26,6 @@ std::vector<Trajectory> line(int points, double dx, double dy) {
     return path;
 }
 
-TEST(LineFit, TruncatesItsOldestPointAlone) {
-    // Values 0, 1.5, 4: sums k 3, k2 5, x 5.5, kx 9.5; slope (28.5 - 16.5) / 6 = 2, b = -1/6.
-    const std::vector<Trajectory> points{{0.9, 0, 0}, {1.5, 0, 0}, {4, 0, 0}};
-    const LineFit fit = fitLine(points, &Trajectory::x);
-    EXPECT_EQ(fit.sumX, 5.5f);
-    EXPECT_EQ(fit.sumKX, 9.5f);
-    EXPECT_EQ(fit.slopeNumerator, 12.0f);
-    EXPECT_EQ(fit.slopeDenominator, 6.0f);
-    EXPECT_EQ(fit.slope, 2.0f);
-    EXPECT_FLOAT_EQ(fit.intercept, -0.5f / 3);
-}
-
 TEST(BorderFrames, ReachTheMarginOfTheirOrientationDirectionAndFlip) {
     constexpr float minX = 36, farX = -48, minY = 21, farY = -27;
     const struct {

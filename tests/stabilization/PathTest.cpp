@@ -14,17 +14,6 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-TEST(CameraPath, CorrectsByTheWayToTheSmoothedPath) {
-    const std::vector<Trajectory> transforms{{5, -1, .5}, {2, 3, -.25}, {0, 0, 0}};
-    const auto path = rebuildPath(transforms);
-    EXPECT_EQ(path, (std::vector<Trajectory>{{5, -1, .5}, {7, 2, .25}, {7, 2, .25}}));
-    EXPECT_EQ(pathOneFrameLate(path, transforms),
-              (std::vector<Trajectory>{{0, 0, 0}, {5, -1, .5}, {7, 2, .25}}));
-    const std::vector<Trajectory> smooth{{4, 1, .5}, {7, 2, .5}, {7, 0, .25}};
-    EXPECT_EQ(correctTransforms(transforms, path, smooth).transforms,
-              (std::vector<Trajectory>{{4, 1, .5}, {2, 3, 0}, {0, -2, 0}}));
-}
-
 TEST(CorrectedTransforms, CrossOverIsTheFirstOfFramesOneToFourInLongSweeps) {
     // Corrections by which the smoothed path leaves the path; every frame moves by (10, 10).
     const struct {
@@ -52,15 +41,6 @@ TEST(CorrectedTransforms, CrossOverIsTheFirstOfFramesOneToFourInLongSweeps) {
         EXPECT_EQ(correctTransforms(transforms, path, smooth).crossOverPoint, c.expected)
             << "case " << &c - cases;
     }
-}
-
-TEST(GaussianSmoothing, WeighsTwoPointsByExpMinusTwo) {
-    // Radius 1, sigma 1/2. Beyond the ends lie the reflections -10 and 20.
-    const double w = std::exp(-2.0);
-    const auto smooth = gaussianSmooth(std::vector<Trajectory>{{}, {10, 0, 0}}, 10);
-    ASSERT_EQ(smooth.size(), 2u);
-    EXPECT_DOUBLE_EQ(smooth[0].x, (w * -10 + 0 + w * 10) / (1 + 2 * w));
-    EXPECT_DOUBLE_EQ(smooth[1].x, (w * 0 + 10 + w * 20) / (1 + 2 * w));
 }
 
 TEST(GaussianSmoothing, LeavesAStraightLineStraightUpToItsEnds) {
@@ -97,14 +77,6 @@ struct Sweep {
     std::vector<Trajectory> path = rebuildPath(transforms);
     std::vector<Trajectory> gaussian = gaussianSmooth(path, kGaussianRadius);
 };
-
-TEST(KalmanSmoothing, StaysAtAGainOfOneHalfWithNoiseOneAndTwo) {
-    // P = 1: P' = 2, K = 2 / (2 + 2) = 1/2, and P = 2 x 1/2 = 1 again.
-    ScalarKalmanFilter filter(0);
-    EXPECT_EQ(filter.update(0, {1, 2}), 0);
-    EXPECT_EQ(filter.update(1, {1, 2}), 0.5);
-    EXPECT_EQ(filter.update(3, {1, 2}), 1.75);
-}
 
 TEST(KalmanSmoothing, FixedVariantStartsEveryAxisAtZero) {
     // Gains 1.004 / 1.254 and, from the variance 0.204159..., 0.449532...

@@ -70,24 +70,6 @@ class SessionTest : public testing::Test {
     int mAwaited = 0;
 };
 
-TEST_F(SessionTest, TakesASweepToTheRecord) {
-    Session session(mSettings, stdout);
-    const auto path = feedAll(session);
-    EXPECT_NEAR(path.back().x, 19 * -10, 10);
-    EXPECT_NEAR(path.back().y, 0, 5);
-    std::vector<int> progress;
-    const auto& record =
-        session.finish(path, everything(), [&](int percent) { progress.push_back(percent); });
-
-    EXPECT_EQ(progress, (std::vector{15, 30, 45, 60, 75, 90, 100}));
-    EXPECT_GT(session.secondsUntil(100), session.secondsUntil(15));
-    EXPECT_EQ(record.numFrames, 20);
-    const auto encoded = fake_writer::record().frames;
-    ASSERT_EQ(encoded.size(), mFrames.size());
-    for (std::size_t i = 0; i < encoded.size(); ++i)
-        EXPECT_TRUE(std::equal(encoded[i].begin(), encoded[i].end(), mFrames[i].begin())) << i;
-}
-
 TEST_F(SessionTest, HoldsAFastSourceBackWhileTheEncoderStalls) {
     fake_writer::closeGate();
     Session session(mSettings, stdout);

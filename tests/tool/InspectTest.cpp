@@ -6,6 +6,7 @@
 
 #include "commands/Commands.h"
 #include "inspect/RecordFormats.h"
+#include "support/Complaint.h"
 #include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
 #include "terminal/ToolError.h"
@@ -43,13 +44,8 @@ class Inspect : public testing::Test {
         return testing::internal::GetCapturedStdout();
     }
 
-    std::string failure(std::vector<std::string> options = {}) const {
-        try {
-            run(std::move(options));
-        } catch (const ToolError& error) {
-            return error.what();
-        }
-        return "no failure";
+    std::string failure(const std::vector<std::string>& options = {}) const {
+        return test_support::complaintOf<ToolError>([&] { run(options); });
     }
 
     std::vector<std::byte> mBytes;

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <opencv2/imgcodecs.hpp>
@@ -17,9 +16,8 @@
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
 #include "files/TextFile.h"
-#include "media/VideoWriter.h"
 #include "support/TestDirectory.h"
-#include "terminal/SignalGuard.h"
+#include "support/VideoFile.h"
 #include "terminal/ToolError.h"
 
 namespace {
@@ -157,6 +155,15 @@ TEST(OutputFiles, ReplaceOnlyFilesThatTheToolWrote) {
     markPicture(jpeg);
     EXPECT_EQ(cv::imdecode(png, cv::IMREAD_COLOR).size(), picture.size());
     EXPECT_EQ(cv::imdecode(jpeg, cv::IMREAD_COLOR).size(), picture.size());
+    media::EncoderSettings video;
+    video.width = video.height = 64;
+    std::string videos[2];
+    for (const bool fragmented : {false, true}) {
+        video.fragmented = fragmented;
+        test_support::writeVideo(dir / "v.mp4", video, 1,
+                                 [](int) { return test_support::Frame(64 * 64 * 3 / 2); });
+        videos[fragmented] = contentOf(dir / "v.mp4");
+    }
     const std::string mark(kMark);
     struct Case {
         std::string content;
@@ -171,6 +178,8 @@ TEST(OutputFiles, ReplaceOnlyFilesThatTheToolWrote) {
         {"{\"schema\": \"other\"}", false},
         {text(png), true},
         {text(jpeg), true},
+        {videos[0], true},
+        {videos[1], true},
         {foreignPng, false},
         {foreignJpeg, false},
         {"<meta name=\"generator\" content=\"" + mark + "\">", true},
@@ -198,22 +207,6 @@ TEST(OutputFiles, ReplaceOnlyFilesThatTheToolWrote) {
     EXPECT_THROW(OutputFiles(false).create(dir / "link"), ToolError);
 }
 
-TEST(OwnFiles, KnowVideosOfBothKinds) {
-    const TestDirectory dir;
-    for (const bool fragmented : {false, true}) {
-        std::FILE* stream = std::fopen((dir / "v.mp4").c_str(), "w+b");
-        media::EncoderSettings settings;
-        settings.width = settings.height = 64;
-        settings.frameRate = {30, 1};
-        settings.fragmented = fragmented;
-        media::VideoWriter writer(stream, settings);
-        writer.write(std::vector<std::uint8_t>(64 * 64 * 3 / 2));
-        writer.finish();
-        std::fclose(stream);
-        EXPECT_TRUE(isOwnFile(dir / "v.mp4")) << fragmented;
-    }
-}
-
 TEST(TextFile, IsReadUpToItsLimit) {
     const TestDirectory dir;
     writeFile(dir / "t", "12345678");
@@ -230,24 +223,6 @@ TEST(TextFile, MayBeAPipe) {
     const std::string text(200000, 't');
     std::jthread writer([&] { std::ofstream(dir / "fifo") << text; });
     EXPECT_EQ(readTextFile(dir / "fifo"), text);
-}
-
-TEST(TextFile, ASignalEndsTheWaitForAPipe) {
-    const TestDirectory dir;
-    ASSERT_EQ(mkfifo((dir / "fifo").c_str(), 0600), 0);
-    const SignalGuard guard;
-    const auto start = std::chrono::steady_clock::now();
-    std::jthread other([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        raise(SIGTERM);
-    });
-    try {
-        readTextFile(dir / "fifo");
-        FAIL();
-    } catch (const ToolError& error) {
-        EXPECT_EQ(error.exitCode(), 128 + SIGTERM);
-    }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
 TEST(Extension, IsOneOfTheNamedOnes) {

@@ -63,12 +63,5 @@ TEST(Playlist, MirrorsTheOutputAndNotTheCorrection) {
     expectPoint(uncorrected(opened(record))({0, 7}), 1279, 7);
 }
 
-TEST(Playlist, ReadsAMirroredMatrixAsTheSameCorrection) {
-    auto record = movedRecord();
-    for (const int i : {0, 3, 6})
-        record.renderMat[0][i] *= -1;
-    expectPoint(shownOf(record)({0, 0}), 99.75 - 10, 49.75 + 4);
-}
-
 }  // namespace
 }  // namespace orbitwalk::tool

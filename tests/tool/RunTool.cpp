@@ -1,6 +1,7 @@
 #include "tool/RunTool.h"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -61,6 +62,14 @@ void end(pollfd& source) {
 }
 
 }  // namespace
+
+void expectRefusal(const ToolRun& run, const std::string& reason, int exitCode) {
+    EXPECT_EQ(run.exitCode, exitCode) << reason;
+    EXPECT_THAT(run.err, testing::StartsWith("orbitwalk: "));
+    EXPECT_THAT(run.err, testing::HasSubstr(reason));
+    EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+    EXPECT_EQ(run.out, "") << reason;
+}
 
 std::string toolPath() {
     return ORBITWALK_TOOL;

@@ -24,6 +24,10 @@ struct ToolRun {
 /// Runs the built `orbitwalk` with the arguments to its end, in the test's working directory.
 ToolRun runTool(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
+/// Expects that the tool refused: an exit code, one line on stderr that says why, nothing on
+/// stdout.
+void expectRefusal(const ToolRun& run, const std::string& reason, int exitCode = 1);
+
 /// Where the built tool is, for programs that run it.
 std::string toolPath();
 

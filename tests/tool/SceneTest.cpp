@@ -9,6 +9,7 @@
 #include "simulate/ColourPlanes.h"
 #include "simulate/ScenePlacement.h"
 #include "simulate/ShakyPath.h"
+#include "support/Complaint.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -28,12 +29,7 @@ ScenePlacement place(const SimulationSettings& settings, cv::Size photo) {
 }
 
 std::string refusal(const SimulationSettings& settings, cv::Size photo) {
-    try {
-        place(settings, photo);
-    } catch (const ToolError& error) {
-        return error.what();
-    }
-    return {};
+    return test_support::complaintOf<ToolError>([&] { place(settings, photo); });
 }
 
 TEST(ScenePlacement, KeepsEveryFrameInsideThePhotograph) {

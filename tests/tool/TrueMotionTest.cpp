@@ -26,20 +26,6 @@ TEST(TrueMotion, IsMeasuredFromTheCornerOfTheCentralThreeFifths) {
     EXPECT_EQ(measuringOrigin({642, 362}), (PicturePoint{128, 72}));
 }
 
-TEST(TrueMotion, CarriesEveryScenePointFromFrameToFrame) {
-    using Complex = std::complex<double>;
-    const Complex centre(959.5, 539.5), origin(384, 216);
-    const auto seenAt = [&](Complex scene, const CameraPose& pose) {
-        return (scene - Complex(pose.x, pose.y)) * std::polar(1.0, -pose.a) + centre - origin;
-    };
-    const CameraPose before{3, -4, 0.02}, after{15.5, -3, -0.013};
-    const Trajectory motion = motionBetween(before, after, fullHd);
-    for (const Complex scene : {Complex(0, 0), Complex(800, -300), Complex(-50, 444)}) {
-        const Complex moved = std::polar(1.0, motion.a) * seenAt(scene, before);
-        EXPECT_LT(std::abs(moved + Complex(motion.x, motion.y) - seenAt(scene, after)), 1e-9);
-    }
-}
-
 TEST(TrueMotion, SumsTheStepsComponentByComponent) {
     const std::vector<CameraPose> poses{{0, 0, 0}, {0, 0, quarterTurn}, {0, 0, 0}};
     const auto rows = trueMotions(poses, fullHd);

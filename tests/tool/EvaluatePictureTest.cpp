@@ -32,7 +32,7 @@ struct JitteryPan {
 
 ResidualMotion measure(const JitteryPan& pan, std::vector<double>& x, std::vector<double>& angle) {
     MotionMeter meter;
-    for (int k = 0; k < 12; ++k) {
+    for (int k = 0; k < 8; ++k) {
         const double sign = k % 3 == 0 ? 1 : -0.5;
         x.push_back(-6.0 * k + pan.jitter * sign);
         angle.push_back(pan.jitterDegrees * sign);

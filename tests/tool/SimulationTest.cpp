@@ -70,7 +70,7 @@ cv::Vec3d measuredMotion(const cv::Mat1f& previous, const cv::Mat1f& current, cv
 /// @param photo  empty for the simulation's own scene.
 void expectPictureMovesByTruth(const SimulationSettings& settings, const cv::Mat3b& photo) {
     Simulation simulation(settings, photo);
-    for (int k = 1; k < settings.frames; k += 5) {
+    for (int k = 1; k < settings.frames; k += 10) {
         Frame before = rendered(simulation, k - 1), after = rendered(simulation, k);
         cv::Mat1f previous, current;
         luma(before, settings.size).convertTo(previous, CV_32F);

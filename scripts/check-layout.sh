@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The architecture that the folders show, checked on the include lines; and no test file outside the build.
+# The architecture that the folders show, checked on the include and import lines; and no test file outside the build.
 set -u
 cd "$(dirname "$0")/.."
 broken=0
@@ -47,5 +47,16 @@ while IFS= read -r file; do
     grep -qF "$(basename "$file")" "$(dirname "$file")/CMakeLists.txt" 2>/dev/null ||
         complain "$file: in no target of its folder's CMakeLists.txt"
 done < <(find tests -name '*.cpp')
+
+# Below web/: a record stands alone, the player knows records, the report's page has the player as a stranger does.
+# importing FOLDER ALLOWED: no source of FOLDER imports anything but its own files and what ALLOWED matches.
+importing() {
+    while IFS= read -r line; do
+        complain "$line: $1 imports no such thing"
+    done < <(grep -rnE '(from|^import) "[^"]+"' "web/$1/src" --include='*.js' | grep -vE "(from|import) \"(\./[^/\"]+|$2)\"")
+}
+importing record 'none'
+importing player '@orbitwalk/record|mediabunny'
+importing report 'uplot'
 
 exit $broken

@@ -13,12 +13,10 @@ std::string reportPage(const ReportContent& content) {
     const std::map<std::string_view, std::string> values{
         {"mark", std::string(kMark)},
         {"licence", std::string(assets::kPlotLicence)},
-        {"plot-style", std::string(assets::kPlotStyle)},
         {"style", std::string(assets::kStyle)},
         {"data", std::string(content.json)},
         {"video", base64(content.video)},
         {"record", base64(content.record)},
-        {"plot-script", scriptText(assets::kPlotScript)},
         {"player-script", scriptText(assets::kPlayerScript)},
         {"script", scriptText(assets::kScript)},
     };

@@ -14,6 +14,7 @@ import {askToTilt, canTilt} from "./lookAround.js";
  * @property {boolean} compare
  * @property {number} split
  * @property {number} speed
+ * @property {boolean} isTilting
  *
  * @typedef {object} ControlRequests
  * @property {() => void} toggle
@@ -102,7 +103,7 @@ export class Controls {
         this.#split.className = "split";
         Object.assign(this.#split, {tabIndex: 0, role: "slider", ariaLabel: "As recorded on the left, steady on the right",
             ariaValueMin: "0", ariaValueMax: "100", ariaOrientation: "horizontal"});
-        stage.append(this.#split);
+        stage.insertBefore(this.#split, stage.querySelector("[role=alert]"));
         for (const name of ["fullscreen", "tilt", "compare", "steady"])
             setIcon(this.#button(name), name);
         this.#button("tilt").hidden = !canTilt();
@@ -119,6 +120,7 @@ export class Controls {
         setLabel(this.#button("repeat"), repeatNames[state.repeat]);
         this.#button("steady").setAttribute("aria-pressed", String(state.steady));
         this.#button("compare").setAttribute("aria-pressed", String(state.compare));
+        this.#button("tilt").setAttribute("aria-pressed", String(state.isTilting));
         for (const control of [...this.#root.querySelectorAll("button"), this.#scrubber, this.#speed])
             control.disabled = !state.isReady;
         this.#scrubber.max = String(Math.max(0, state.count - 1));
@@ -154,10 +156,8 @@ export class Controls {
         onClick("compare", requests.toggleCompare);
         onClick("fullscreen", requests.toggleFullscreen);
         onClick("tilt", async () => {
-            const button = this.#button("tilt");
-            const on = button.ariaPressed !== "true" && await askToTilt();
-            button.ariaPressed = String(on);
-            requests.setTilt(on);
+            const isTilting = this.#button("tilt").ariaPressed === "true";
+            requests.setTilt(!isTilting && await askToTilt());
         });
         this.#scrubber.addEventListener("input", () => requests.seek(Number(this.#scrubber.value)));
         this.#speed.addEventListener("change", () => requests.setSpeed(Number(this.#speed.value)));

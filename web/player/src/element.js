@@ -1,53 +1,33 @@
+import {PlayerAttributes, within} from "./attributes.js";
 import {CanvasPainter} from "./canvasPainter.js";
 import {Controls} from "./controls.js";
-import {FrameStore} from "./frameStore.js";
 import {GlPainter} from "./glPainter.js";
+import {useKey} from "./keys.js";
+import {LoadedSweep} from "./loadedSweep.js";
 import {LookAround} from "./lookAround.js";
-import {Playback} from "./playback.js";
-import {frameFromCanvas, playlist, shownSize} from "./playlist.js";
+import {frameFromCanvas} from "./playlist.js";
+import {Stage} from "./stage.js";
 import {style} from "./style.js";
 import {openSweep} from "./sweep.js";
-import {SweepPath} from "./sweepPath.js";
 import {PlayerError, reasonOf} from "./video.js";
-import {canvasSize, partsOf} from "./view.js";
+import {partsOf} from "./view.js";
 
 /**
- * @typedef {import("./playlist.js").Shot} Shot
  * @typedef {import("./glPainter.js").Painter} Painter
  * @typedef {import("./glPainter.js").Picture} Picture
- * @typedef {import("./sweep.js").Sweep} Sweep
- *
- * A sweep that is open, with all that plays it.
- * @typedef {object} Loaded
- * @property {Sweep} sweep
- * @property {Shot[]} shots
- * @property {SweepPath} path
- * @property {FrameStore} store
- * @property {Playback} playback
  */
-
-const DEFAULT_CACHE_MEGABYTES = 192;
-/** Frames that are decoded before they are due. */
-const AHEAD = 16;
 
 const seconds = () => performance.now() / 1000;
 
 /** @param {string} text */
 const aborted = text => new DOMException(text, "AbortError");
 
-/** @param {number} value @param {number} least @param {number} most */
-const within = (value, least, most) => Math.min(most, Math.max(least, value));
-
 /** <orbitwalk-player src="sweep.mp4" record="sweep.obw">; docs/player.md says what it offers. */
-export class OrbitwalkPlayer extends HTMLElement {
+export class OrbitwalkPlayer extends PlayerAttributes {
     static observedAttributes = ["src", "record", "loop", "back-and-forth", "steady", "compare", "speed", "border-frames"];
 
-    #stage;
-    #message;
-    #tags;
+    #stage = new Stage();
     #controls;
-    /** @type {HTMLCanvasElement | null} */
-    #canvas = null;
     /** @type {Painter | null} */
     #painter = null;
     /** @type {LookAround | null} */
@@ -59,17 +39,16 @@ export class OrbitwalkPlayer extends HTMLElement {
     #isScheduled = false;
     /** Bytes given to open, instead of the attributes. @type {import("./sweep.js").SweepFiles | null} */
     #given = null;
-    /** @type {Loaded | null} */
+    /** @type {LoadedSweep | null} */
     #loaded = null;
-    /** @type {Promise<Loaded> | null} */
+    /** @type {Promise<LoadedSweep> | null} */
     #opening = null;
-    /** Who waits for a sweep that nothing has begun to load yet. @type {((opening: Promise<Loaded>) => void)[]} */
+    /** Who waits for a sweep that nothing has begun to load yet. @type {((opening: Promise<LoadedSweep>) => void)[]} */
     #early = [];
     #paused = true;
     #frame = 0;
     #ticking = 0;
     #split = 0.5;
-    #density = 1;
     /** Takes the picture that is being waited for off the list. */
     #wish = new AbortController();
 
@@ -79,20 +58,8 @@ export class OrbitwalkPlayer extends HTMLElement {
         const sheet = new CSSStyleSheet();
         sheet.replaceSync(style);
         root.adoptedStyleSheets = [sheet];
-        this.#stage = document.createElement("div");
-        this.#stage.className = "stage";
-        this.#stage.part.add("stage");
-        this.#tags = ["As recorded", "Steady"].map((text, side) => {
-            const tag = document.createElement("span");
-            Object.assign(tag, {className: `tag ${side ? "right" : "left"}`, textContent: text, hidden: true});
-            return tag;
-        });
-        this.#message = document.createElement("div");
-        Object.assign(this.#message, {className: "message", role: "alert", hidden: true});
-        this.#message.part.add("message");
-        this.#stage.append(...this.#tags);
-        root.append(this.#stage);
-        this.#controls = new Controls(this.#stage, root, {
+        root.append(this.#stage.element);
+        this.#controls = new Controls(this.#stage.element, root, {
             toggle: () => this.#toggle(),
             seek: index => { this.#showSoon(index); },
             cycleRepeat: () => this.#cycleRepeat(),
@@ -100,45 +67,19 @@ export class OrbitwalkPlayer extends HTMLElement {
             toggleCompare: () => { this.compare = !this.compare; },
             setSplit: share => { this.split = share; },
             setSpeed: speed => { this.speed = speed; },
-            setTilt: on => this.#look?.setTilt(on),
+            setTilt: on => {
+                this.#look?.setTilt(on);
+                this.#update();
+            },
             toggleFullscreen: () => this.#toggleFullscreen(),
         });
-        this.#stage.append(this.#message);
-        root.addEventListener("keydown", event => this.#key(/** @type {KeyboardEvent} */ (event)));
+        root.addEventListener("keydown", event => {
+            if (this.#loaded)
+                useKey(/** @type {KeyboardEvent} */ (event), {toggle: () => this.#toggle(), step: by => this.#step(by)});
+        });
     }
 
     // ---- Programming interface ----
-
-    get src() { return this.getAttribute("src") ?? ""; }
-    set src(value) { this.setAttribute("src", value); }
-    get record() { return this.getAttribute("record") ?? ""; }
-    set record(value) { this.setAttribute("record", value); }
-    get autoplay() { return this.hasAttribute("autoplay"); }
-    set autoplay(value) { this.toggleAttribute("autoplay", Boolean(value)); }
-    get loop() { return this.hasAttribute("loop"); }
-    set loop(value) { this.toggleAttribute("loop", Boolean(value)); }
-    get backAndForth() { return this.hasAttribute("back-and-forth"); }
-    set backAndForth(value) { this.toggleAttribute("back-and-forth", Boolean(value)); }
-    get borderFrames() { return this.hasAttribute("border-frames"); }
-    set borderFrames(value) { this.toggleAttribute("border-frames", Boolean(value)); }
-    get compare() { return this.hasAttribute("compare"); }
-    set compare(value) { this.toggleAttribute("compare", Boolean(value)); }
-
-    /** Corrected by the record; false: as recorded, cut to the same rectangle. */
-    get steady() { return this.getAttribute("steady") !== "false"; }
-    set steady(value) {
-        if (value)
-            this.removeAttribute("steady");
-        else
-            this.setAttribute("steady", "false");
-    }
-
-    /** Times the speed of the recording, 0.05 to 16. */
-    get speed() {
-        const speed = Number(this.getAttribute("speed") ?? 1);
-        return speed > 0 ? within(speed, 0.05, 16) : 1;
-    }
-    set speed(value) { this.setAttribute("speed", String(value)); }
 
     /** Where a comparison is divided, a share of the width. */
     get split() { return this.#split; }
@@ -146,13 +87,6 @@ export class OrbitwalkPlayer extends HTMLElement {
         this.#split = within(Number(share) || 0, 0, 1);
         this.#refresh();
     }
-
-    /** Bound of the decoded frames that are kept, read when a sweep is opened. */
-    get cacheMegabytes() {
-        const megabytes = Number(this.getAttribute("cache-megabytes"));
-        return megabytes > 0 ? megabytes : DEFAULT_CACHE_MEGABYTES;
-    }
-    set cacheMegabytes(value) { this.setAttribute("cache-megabytes", String(value)); }
 
     /** Pictures in playing order; 0 until ready. */
     get frameCount() { return this.#loaded?.shots.length ?? 0; }
@@ -189,7 +123,7 @@ export class OrbitwalkPlayer extends HTMLElement {
         if (this.#paused || this.#loaded !== loaded)
             return;
         loaded.playback.start(seconds(), this.#frame);
-        this.#prepare();
+        loaded.prepareNext(this.#frame);
         this.#ticking = requestAnimationFrame(() => this.#tick());
     }
 
@@ -219,7 +153,7 @@ export class OrbitwalkPlayer extends HTMLElement {
      * @returns {Promise<ImageData>}
      */
     async pictureAt(index, width) {
-        const {sweep: {record}, shots, store} = await this.#whenReady();
+        const {record, shots, store} = await this.#whenReady();
         const shot = shots[index];
         if (!shot)
             throw new RangeError(`there is no picture ${index}, there are ${shots.length}`);
@@ -232,22 +166,17 @@ export class OrbitwalkPlayer extends HTMLElement {
     // ---- Life on a page ----
 
     connectedCallback() {
-        const canvas = document.createElement("canvas");
-        canvas.setAttribute("role", "img");
-        canvas.setAttribute("aria-label", "Sweep");
-        canvas.tabIndex = -1;
-        this.#stage.prepend(canvas);
-        this.#canvas = canvas;
+        const canvas = this.#stage.addCanvas();
         this.#look = new LookAround(canvas, {
             path: () => this.#loaded?.path ?? null,
             current: () => this.#frame,
-            pixelsPerCss: () => this.#loaded ? shownSize(this.#loaded.sweep.record).width / canvas.clientWidth : 0,
+            pixelsPerCss: () => this.#loaded ? this.#loaded.size.width / canvas.clientWidth : 0,
             show: index => { this.#showSoon(index); },
             hold: () => this.pause(),
             tap: () => this.#toggle(),
         });
         this.#resizing = new ResizeObserver(() => this.#refresh());
-        this.#resizing.observe(this.#stage);
+        this.#resizing.observe(this.#stage.element);
         this.#load();
     }
 
@@ -256,8 +185,8 @@ export class OrbitwalkPlayer extends HTMLElement {
         this.#resizing?.disconnect();
         this.#look?.destroy();
         this.#painter?.destroy();
-        this.#canvas?.remove();
-        this.#resizing = this.#look = this.#painter = this.#canvas = null;
+        this.#stage.removeCanvas();
+        this.#resizing = this.#look = this.#painter = null;
     }
 
     /** @param {string} name @param {string | null} before @param {string | null} value */
@@ -269,11 +198,7 @@ export class OrbitwalkPlayer extends HTMLElement {
                 this.#given = null;
             this.#load();
         }
-        this.#loaded?.sweep.source.setSpeed(this.speed);
-        if (this.#loaded) {
-            this.#loaded.playback.repeat = this.#repeat;
-            this.#setSpeed(this.#loaded.playback);
-        }
+        this.#setPace();
         this.#refresh();
     }
 
@@ -304,39 +229,27 @@ export class OrbitwalkPlayer extends HTMLElement {
         opening.then(loaded => this.#ready(loaded, signal), error => this.#fail(error, signal));
     }
 
-    /** @param {import("./sweep.js").SweepFiles} files @param {AbortSignal} signal @returns {Promise<Loaded>} */
+    /** @param {import("./sweep.js").SweepFiles} files @param {AbortSignal} signal @returns {Promise<LoadedSweep>} */
     async #open(files, signal) {
-        const canvas = this.#canvas;
+        const {canvas} = this.#stage;
         if (!canvas)
             throw aborted("the player was removed");
         const painter = this.#painter ??= GlPainter.on(canvas, () => this.#forget()) ?? CanvasPainter.on(canvas);
         if (!painter)
             throw new PlayerError("This browser has neither WebGL2 nor a 2D canvas; the player needs one of them.");
         const sweep = await openSweep(files, signal);
-        const shots = playlist(sweep.record, this.borderFrames);
-        const store = new FrameStore(sweep.source, painter, this.cacheMegabytes * 1e6, error => this.#fail(error, signal));
-        const path = new SweepPath(sweep.record, shots);
-        const playback = new Playback(shots.length, sweep.rate);
-        playback.repeat = this.#repeat;
-        if (signal.aborted) {
-            store.close();
-            signal.throwIfAborted();
-        }
-        return {sweep, shots, path, store, playback};
+        signal.throwIfAborted();
+        return new LoadedSweep(sweep, painter, this, error => this.#fail(error, signal));
     }
 
-    /** @param {Loaded} loaded @param {AbortSignal} signal */
+    /** @param {LoadedSweep} loaded @param {AbortSignal} signal */
     async #ready(loaded, signal) {
         if (signal.aborted)
             return loaded.store.close();
         this.#loaded = loaded;
-        this.#setSpeed(loaded.playback);
-        loaded.sweep.source.setSpeed(this.speed);
-        const {width, height} = shownSize(loaded.sweep.record);
-        this.#stage.style.setProperty("--aspect", `${width} / ${height}`);
-        if (this.#canvas)
-            this.#canvas.style.touchAction = loaded.path.screen.axis === "x" ? "pan-y" : "pan-x";
+        this.#stage.shape(loaded.size, loaded.path.screen.axis);
         this.#frame = 0;
+        this.#setPace();
         this.#refresh();
         this.dispatchEvent(new Event("ready"));
         if (signal.aborted)
@@ -356,12 +269,12 @@ export class OrbitwalkPlayer extends HTMLElement {
         this.#wish.abort(aborted("the player has let go of this sweep"));
         this.#loaded?.store.close();
         this.#loaded = this.#opening = null;
-        this.#message.hidden = true;
+        this.#stage.say(null);
         this.#frame = 0;
         this.#update();
     }
 
-    /** @returns {Promise<Loaded>} */
+    /** @returns {Promise<LoadedSweep>} */
     async #whenReady() {
         return this.#opening ?? new Promise(resolve => this.#early.push(resolve));
     }
@@ -372,8 +285,7 @@ export class OrbitwalkPlayer extends HTMLElement {
             return;
         const text = error instanceof PlayerError ? error.message : `The sweep cannot be played: ${reasonOf(error)}`;
         this.pause();
-        this.#message.textContent = text;
-        this.#message.hidden = false;
+        this.#stage.say(text);
         this.#update();
         this.dispatchEvent(new ErrorEvent("error", {message: text, error}));
     }
@@ -384,10 +296,8 @@ export class OrbitwalkPlayer extends HTMLElement {
         return this.backAndForth ? "back-and-forth" : this.loop ? "loop" : "once";
     }
 
-    /** @param {Playback} playback */
-    #setSpeed(playback) {
-        playback.speed = this.speed;
-        playback.jump(seconds(), this.#frame);
+    #setPace() {
+        this.#loaded?.setPace({repeat: this.#repeat, speed: this.speed}, seconds(), this.#frame);
     }
 
     #paintWith() {
@@ -420,22 +330,14 @@ export class OrbitwalkPlayer extends HTMLElement {
         const last = loaded.shots.length - 1;
         this.#show(within(index, 0, last)).then(() => {
             if (this.#paused && this.#loaded === loaded)
-                loaded.store.prepare(loaded.shots[this.#frame].frame, this.#around(loaded));
+                loaded.prepareAround(this.#frame);
         }, () => {});
-    }
-
-    /** Frames on both sides of the current one, for a hand that drags. @param {Loaded} loaded */
-    #around({shots, store}) {
-        const reach = Math.min(AHEAD, Math.floor((store.capacity - 1) / 3));
-        const near = shots.slice(Math.max(0, this.#frame - reach), this.#frame + reach + 1).map(({frame}) => frame);
-        const current = shots[this.#frame].frame;
-        return [...new Set(near)].sort((a, b) => Math.abs(a - current) - Math.abs(b - current));
     }
 
     /** @param {number} index @param {Picture} picture */
     #draw(index, picture) {
-        const {sweep: {record}, shots} = /** @type {Loaded} */ (this.#loaded);
-        const canvas = this.#canvas;
+        const {record, shots} = /** @type {LoadedSweep} */ (this.#loaded);
+        const {canvas} = this.#stage;
         if (!canvas)
             return;
         const look = {steady: this.steady, compare: this.compare, split: this.#split};
@@ -463,33 +365,19 @@ export class OrbitwalkPlayer extends HTMLElement {
         const picture = next !== "same" && store.get(shots[next].frame);
         if (picture)
             this.#draw(next, picture);
-        this.#prepare();
+        loaded.prepareNext(this.#frame);
         this.#ticking = requestAnimationFrame(() => this.#tick());
-    }
-
-    /** Has the next pictures decoded; going back, whole runs of them. */
-    #prepare() {
-        const {shots, store, playback} = /** @type {Loaded} */ (this.#loaded);
-        const count = Math.min(AHEAD, Math.floor(store.capacity / 2));
-        const ahead = playback.upcoming(Math.max(2, count)).map(index => shots[index].frame);
-        store.prepare(shots[this.#frame].frame, [...new Set(ahead)]);
     }
 
     /** Fits the canvas to the stage and draws the current picture anew. */
     #refresh() {
         const loaded = this.#loaded;
-        const canvas = this.#canvas;
+        const {canvas} = this.#stage;
         this.#update();
         if (!loaded || !canvas)
             return;
-        const {clientWidth, clientHeight} = this.#stage;
-        this.#density = devicePixelRatio;
-        const size = canvasSize(shownSize(loaded.sweep.record), clientWidth, clientHeight, this.#density);
-        canvas.style.width = `${size.css.width}px`;
-        canvas.style.height = `${size.css.height}px`;
-        if (canvas.width !== size.width || canvas.height !== size.height)
-            Object.assign(canvas, {width: size.width, height: size.height});
-        this.#controls.placeSplit((clientWidth - size.css.width) / 2 + this.#split * size.css.width);
+        const {left, width} = this.#stage.fit(loaded.size);
+        this.#controls.placeSplit(left + this.#split * width);
         const picture = loaded.store.get(loaded.shots[this.#frame].frame);
         if (picture && canvas.dataset.drawn)
             this.#draw(this.#frame, picture);
@@ -505,15 +393,12 @@ export class OrbitwalkPlayer extends HTMLElement {
 
     #update() {
         const {steady, compare, split, speed} = this;
-        const isReady = this.#loaded !== null && this.#message.hidden;
+        const isReady = this.#loaded !== null && !this.#stage.isSaying;
         this.#controls.update({
             count: this.frameCount, index: this.#frame, paused: this.#paused, isReady, repeat: this.#repeat, steady, compare,
-            split, speed,
+            split, speed, isTilting: this.#look?.isTilting ?? false,
         });
-        this.#canvas?.setAttribute("aria-label", `Sweep, ${compare ? "half as recorded, half steady" : steady ? "steady" : "as recorded"}`);
-        const [recorded, steadied] = this.#tags;
-        recorded.hidden = !isReady || !compare && steady;
-        steadied.hidden = !isReady || !compare;
+        this.#stage.label({steady, compare, isReady});
     }
 
     // ---- What the user does ----
@@ -534,28 +419,6 @@ export class OrbitwalkPlayer extends HTMLElement {
     #toggleFullscreen() {
         const done = document.fullscreenElement === this ? document.exitFullscreen() : this.requestFullscreen();
         done.catch(() => {});
-    }
-
-    /** @param {KeyboardEvent} event */
-    #key(event) {
-        const target = /** @type {Element} */ (event.target);
-        const isOwn = target.matches("select") || event.key === " " && target.matches("button");
-        if (!this.#loaded || isOwn || event.altKey || event.ctrlKey || event.metaKey)
-            return;
-        const step = event.shiftKey ? 10 : 1;
-        /** @type {Record<string, () => void>} */
-        const actions = {
-            " ": () => this.#toggle(),
-            ArrowLeft: () => this.#step(-step),
-            ArrowRight: () => this.#step(step),
-            Home: () => this.#step(-Infinity),
-            End: () => this.#step(Infinity),
-        };
-        const action = actions[event.key];
-        if (!action)
-            return;
-        event.preventDefault();
-        action();
     }
 
     /** @param {number} by */

@@ -58,6 +58,8 @@ export class LookAround {
         this.#ending.abort();
     }
 
+    get isTilting() { return this.#onTilt !== null; }
+
     /** @param {boolean} on */
     setTilt(on) {
         if (this.#onTilt)

@@ -1,6 +1,5 @@
-// The player in a real browser. ORBITWALK_TOOL names the tool that makes the sweeps, ORBITWALK_CHROMIUM the browser;
-// ORBITWALK_PLAYER_TESTS may name the only part to run.
-import test from "node:test";
+// The player in a real browser, which ORBITWALK_CHROMIUM names. ORBITWALK_PLAYER_TESTS may name the only part to run.
+import test, {after} from "node:test";
 import {testErrors} from "./browser/errors.js";
 import {testHands} from "./browser/hands.js";
 import {startHarness} from "./browser/harness.js";
@@ -8,16 +7,14 @@ import {testPages} from "./browser/pages.js";
 import {testPictures} from "./browser/pictures.js";
 import {testPlaying} from "./browser/playing.js";
 
-const parts = {pictures: testPictures, playing: testPlaying, hands: testHands, errors: testErrors, pages: testPages};
+const parts = {hands: testHands, errors: testErrors, pages: testPages, pictures: testPictures, playing: testPlaying};
 const only = process.env.ORBITWALK_PLAYER_TESTS;
+
+const harness = await startHarness();
+if (!only)
+    harness.sweeps.prepare();
+after(() => harness.close());
 
 for (const [name, part] of Object.entries(parts))
     if (!only || only === name)
-        test(`the player in a browser: ${name}`, async t => {
-            const harness = await startHarness();
-            try {
-                await part(harness, t);
-            } finally {
-                await harness.close();
-            }
-        });
+        test(`the player in a browser: ${name}`, t => part(harness, t));

@@ -1,14 +1,16 @@
 // What people do with it: drag, keys, buttons, preferences.
 import assert from "node:assert/strict";
 import {addPlayer, sourceOf} from "./harness.js";
-import {makeSweep} from "./sweeps.js";
 
 const current = page => page.evaluate(() => globalThis.player.currentFrame);
 const comesTo = (page, frame) => page.waitForFunction(wanted => globalThis.player.currentFrame === wanted, frame, {timeout: 20000});
 
-/** The frames whose displacement is nearest to a position. */
+/** Of the pictures along the sweep, frame pixels. */
+const positionsOf = record => record.renderedFrames.map(i => record.displacement(i));
+
+/** The pictures whose displacement is nearest to a position. */
 function nearest(record, position) {
-    const distances = record.renderedFrames.map(i => Math.abs(record.displacement(i) - position));
+    const distances = positionsOf(record).map(one => Math.abs(one - position));
     const least = Math.min(...distances);
     return distances.flatMap((distance, i) => distance === least ? [i] : []);
 }
@@ -30,7 +32,7 @@ async function testDrag(harness, t, name, record) {
         const seen = new Set();
         for (const moved of [-90, -40, -20, 7, 30, 75, 130, -10]) {
             await page.mouse.move(middle.x + moved, middle.y + 5);
-            const wanted = nearest(record, record.displacement(start) + moved * scale);
+            const wanted = nearest(record, positionsOf(record)[start] + moved * scale);
             await page.waitForFunction(frames => frames.includes(globalThis.player.currentFrame), wanted, {timeout: 20000});
             seen.add(wanted[0]);
         }
@@ -46,7 +48,7 @@ async function testDrag(harness, t, name, record) {
 async function testGlide(harness, t) {
     await t.test("a flick glides on, a tap plays", async () => {
         const page = await harness.openPage({viewport: {width: 320, height: 300}});
-        const {count} = await addPlayer(page, sourceOf("hands"));
+        const {count} = await addPlayer(page, sourceOf("plain"));
         let glided = 0;
         // On a busy machine the moves come too slowly for a flick.
         for (let attempt = 0; attempt < 8 && glided === 0; ++attempt) {
@@ -86,7 +88,7 @@ async function focusOrder(page) {
 async function testKeyboard(harness, t) {
     await t.test("the keyboard reaches and does everything", async () => {
         const page = await harness.openPage();
-        const {count} = await addPlayer(page, sourceOf("hands"));
+        const {count} = await addPlayer(page, sourceOf("plain"));
         assert.deepEqual((await focusOrder(page)).filter(name => name !== "Full screen"),
             ["Play", "Frame", "Play once", "Steady", "Compare with as recorded", "Speed"]);
         await page.evaluate(() => globalThis.player.focus());
@@ -121,7 +123,7 @@ async function testPreferences(harness, t) {
     await t.test("less motion: no autoplay", async () => {
         for (const [reducedMotion, paused] of [["reduce", true], ["no-preference", false]]) {
             const page = await harness.openPage({reducedMotion});
-            await addPlayer(page, {...sourceOf("hands"), autoplay: "", loop: ""});
+            await addPlayer(page, {...sourceOf("plain"), autoplay: "", loop: ""});
             await page.evaluate(() => globalThis.player.seekToFrame(3));
             await page.waitForTimeout(300);
             assert.equal(await page.evaluate(() => globalThis.player.paused), paused);
@@ -134,7 +136,7 @@ async function testPreferences(harness, t) {
 async function testCompare(harness, t, record) {
     await t.test("a comparison shows both sides of the boundary", async () => {
         const page = await harness.openPage();
-        await addPlayer(page, {...sourceOf("hands"), compare: ""});
+        await addPlayer(page, {...sourceOf("plain"), compare: ""});
         const frame = record.frameCount >> 1;
         const rows = await page.evaluate(async index => {
             const {player} = globalThis;
@@ -161,14 +163,76 @@ async function testCompare(harness, t, record) {
     });
 }
 
+async function testTilt(harness, t, record) {
+    await t.test("tilting the device moves along the sweep, where that is allowed", async () => {
+        const page = await harness.openPage({viewport: {width: 360, height: 640}, hasTouch: true, isMobile: true, before: () => {
+            globalThis.answer = "denied";
+            DeviceOrientationEvent.requestPermission = async () => globalThis.answer;
+        }});
+        const {count} = await addPlayer(page, sourceOf("plain"));
+        const start = count >> 1;
+        await page.evaluate(frame => globalThis.player.seekToFrame(frame), start);
+        const button = page.getByRole("button", {name: "Look around by tilting the device"});
+        const isOn = () => button.getAttribute("aria-pressed").then(value => value === "true");
+        const tilt = degrees => page.evaluate(gamma =>
+            dispatchEvent(new DeviceOrientationEvent("deviceorientation", {alpha: 0, beta: 30, gamma})), degrees);
+        await button.tap();
+        assert.equal(await isOn(), false, "it was not allowed");
+        await page.evaluate(() => { globalThis.answer = "granted"; });
+        await button.tap();
+        await page.waitForFunction(name => globalThis.player.shadowRoot.querySelector(name).ariaPressed === "true", "[data-name=tilt]");
+        // How it is held at first is the middle; 50 degrees are the whole way. The picture moves against the tilt.
+        const positions = positionsOf(record);
+        const way = Math.max(...positions) - Math.min(...positions);
+        await tilt(5);
+        for (const turned of [10, 20, -12]) {
+            await tilt(5 + turned);
+            const wanted = nearest(record, positions[start] - turned / 50 * way);
+            await page.waitForFunction(frames => frames.includes(globalThis.player.currentFrame), wanted, {timeout: 20000});
+        }
+        const last = await current(page);
+        await button.tap();
+        assert.equal(await isOn(), false);
+        await tilt(40);
+        assert.equal(await current(page), last, "it tilts though that was switched off");
+        await button.tap();
+        await page.evaluate(() => {
+            const {player} = globalThis;
+            player.remove();
+            document.body.append(player);
+        });
+        assert.equal(await isOn(), false, "it was taken off the page");
+        await page.finish();
+    });
+}
+
+async function testFullScreen(harness, t) {
+    await t.test("full screen, and back", async () => {
+        const page = await harness.openPage();
+        await addPlayer(page, sourceOf("plain"));
+        const button = page.getByRole("button", {name: "Full screen"});
+        await button.click();
+        await page.waitForFunction(() => document.fullscreenElement === globalThis.player);
+        await page.waitForFunction(() => {
+            const {width, height} = globalThis.player.getBoundingClientRect();
+            return width === innerWidth && height === innerHeight;
+        });
+        await button.click();
+        await page.waitForFunction(() => document.fullscreenElement === null);
+        await page.finish();
+    });
+}
+
 /** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testHands(harness, t) {
-    const {record} = await makeSweep(harness.work, "hands", {frames: 24});
-    const flipped = await makeSweep(harness.work, "hands-mirrored", {frames: 24, capture: ["--front-flip"]});
-    await testDrag(harness, t, "hands", record);
-    await testDrag(harness, t, "hands-mirrored", flipped.record);
+    const {record} = await harness.sweeps.sweep("plain");
+    const mirrored = await harness.sweeps.sweep("mirrored");
+    await testDrag(harness, t, "plain", record);
+    await testDrag(harness, t, "mirrored", mirrored.record);
     await testGlide(harness, t);
+    await testTilt(harness, t, record);
     await testKeyboard(harness, t);
+    await testFullScreen(harness, t);
     await testPreferences(harness, t);
     await testCompare(harness, t, record);
 }

@@ -7,6 +7,7 @@ import {tmpdir} from "node:os";
 import {extname, join, normalize} from "node:path";
 import {fileURLToPath} from "node:url";
 import {chromium} from "playwright-core";
+import {sweepsIn} from "./sweeps.js";
 
 const dist = fileURLToPath(new URL("../../dist/", import.meta.url));
 const types = {".js": "text/javascript", ".html": "text/html", ".mp4": "video/mp4"};
@@ -80,7 +81,7 @@ export async function startHarness() {
     }
 
     return {
-        work, address, browser, openPage,
+        work, address, browser, openPage, sweeps: sweepsIn(work),
         async close() {
             await browser.close();
             server.closeAllConnections?.();

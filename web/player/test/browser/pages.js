@@ -1,19 +1,15 @@
 // The pages that `orbitwalk player` and `report` write: opened as files, they play and ask for nothing.
 import assert from "node:assert/strict";
-import {execFile} from "node:child_process";
 import {join} from "node:path";
-import {promisify} from "node:util";
+import {tool} from "../../../test/tool.js";
 import {withoutWebCodecs} from "./pictures.js";
-import {makeSweep} from "./sweeps.js";
-
-const run = promisify(execFile);
 
 /** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testPages(harness, t) {
-    const {record} = await makeSweep(harness.work, "page", {frames: 10});
-    const directory = join(harness.work, "page");
+    const {record} = await harness.sweeps.sweep("plain");
+    const directory = join(harness.work, "plain");
     const file = join(harness.work, "page.html");
-    await run(process.env.ORBITWALK_TOOL, ["player", directory, "-q", "-o", file]);
+    await tool("player", directory, "-q", "-o", file);
 
     for (const [name, before] of [["WebCodecs", () => {}], ["a video element", withoutWebCodecs]])
         await t.test(`one file plays with ${name} and asks for nothing`, async () => {
@@ -44,7 +40,7 @@ export async function testPages(harness, t) {
 
     await t.test("the report's plots and its player show the same frame", async () => {
         const report = join(harness.work, "report.html");
-        await run(process.env.ORBITWALK_TOOL, ["report", directory, "-q", "-o", report]);
+        await tool("report", directory, "-q", "-o", report);
         const page = await harness.browser.newPage();
         await page.goto(`file://${report}`);
         const cursors = await page.evaluate(async () => {

@@ -4,7 +4,6 @@ import {readFile} from "node:fs/promises";
 import {cpus, loadavg} from "node:os";
 import {addPlayer, sourceOf} from "./harness.js";
 import {markPlaces, withoutWebCodecs} from "./pictures.js";
-import {makeLargeSweep, makeSweep} from "./sweeps.js";
 
 /** What the raster costs is not asked here. */
 const small = {width: 320, height: 300};
@@ -26,7 +25,7 @@ async function testOrder(harness, t) {
     for (const [name, before] of [["WebCodecs", undefined], ["a video element", withoutWebCodecs]])
         await t.test(`playing with ${name} shows each frame once and in order`, async () => {
             const page = await harness.openPage({viewport: small, before});
-            const {count} = await addPlayer(page, {...sourceOf("playing"), "border-frames": ""});
+            const {count} = await addPlayer(page, {...sourceOf("plain"), "border-frames": ""});
             await firstFrame(page);
             const {frames, dropped, paused} = await playThrough(page);
             assert.ok(frames.every((frame, i) => i === 0 || frame > frames[i - 1]), `out of order: ${frames}`);
@@ -43,8 +42,8 @@ async function testOrder(harness, t) {
 async function testSeeks(harness, t, record) {
     await t.test("500 seeks end on the right frame", async () => {
         const page = await harness.openPage({viewport: small});
-        const bound = 8;
-        const {count} = await addPlayer(page, {...sourceOf("playing"), "cache-megabytes": String(bound)});
+        const bound = 5;
+        const {count} = await addPlayer(page, {...sourceOf("plain"), "cache-megabytes": String(bound)});
         const places = record.renderedFrames.map(i => markPlaces(record, record.renderMatrix(i)));
         const result = await page.evaluate(async ({count, places, width}) => {
             const {player} = globalThis;
@@ -79,7 +78,7 @@ async function testSeeks(harness, t, record) {
 async function testBackAndForth(harness, t) {
     await t.test("back and forth turns at both ends, and a loop begins anew", async () => {
         const page = await harness.openPage({viewport: small});
-        const {count} = await addPlayer(page, {...sourceOf("playing"), "back-and-forth": "", speed: "0.7"});
+        const {count} = await addPlayer(page, {...sourceOf("plain"), "back-and-forth": "", speed: "0.7"});
         const record = () => page.evaluate(() => new Promise(resolve => {
             const {player} = globalThis;
             const frames = [];
@@ -121,7 +120,7 @@ async function resident(browser) {
 async function testMemory(harness, t) {
     await t.test("memory does not grow over ten loops, and goes with the player", async () => {
         const page = await harness.openPage({viewport: small});
-        await addPlayer(page, {...sourceOf("playing"), loop: "", speed: "2", "cache-megabytes": "5"});
+        await addPlayer(page, {...sourceOf("plain"), loop: "", speed: "2", "cache-megabytes": "5"});
         const loops = count => page.evaluate(wanted => new Promise(resolve => {
             const {player} = globalThis;
             let before = 0, done = 0;
@@ -159,7 +158,7 @@ async function testMemory(harness, t) {
         const warnings = [];
         page.on("console", message => warnings.push(message.text()));
         for (let i = 0; i < 17; ++i) {
-            assert.equal((await addPlayer(page, sourceOf("playing"))).error, null);
+            assert.equal((await addPlayer(page, sourceOf("plain"))).error, null);
             await page.evaluate(() => globalThis.player.remove());
         }
         assert.deepEqual(warnings.filter(text => text.includes("Too many active")), []);
@@ -218,7 +217,7 @@ const loadLarge = page => page.evaluate(({src, record}) => new Promise((resolve,
 
 async function testSpeed(harness, t) {
     await t.test("1080p costs little of the main thread", async () => {
-        await makeLargeSweep(harness.work, 20);
+        await harness.sweeps.large();
         const page = await harness.openPage({viewport: {width: 1920, height: 1200}, before: noteCosts});
         // A machine that is busy otherwise takes the thread away now and then: the least and the median are the work's
         // own. A tick holds the drawing.
@@ -228,18 +227,20 @@ async function testSpeed(harness, t) {
         const perFrame = median(copyTo) + 3 * median(texSubImage2D) + median(tick);
         t.diagnostic(`1080p: first picture ${delays.map(Math.round)} ms after ready; main thread ${perFrame.toFixed(2)} ms a ` +
             `picture; ${frames.length} shown, ${dropped} dropped`);
-        assert.ok(perFrame > 0 && perFrame < 8, `${perFrame} ms a picture`);
-        if (loadavg()[0] > 2 * cpus().length)
-            t.diagnostic("the machine is too busy to say how soon the first picture comes");
-        else
+        assert.ok(perFrame > 0);
+        if (loadavg()[0] > 2 * cpus().length) {
+            t.diagnostic("the machine is too busy to hold the player to its times");
+        } else {
+            assert.ok(perFrame < 8, `${perFrame} ms a picture`);
             assert.ok(Math.min(...delays) < 1000, `${delays} ms`);
+        }
         await page.finish();
     });
 }
 
 /** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testPlaying(harness, t) {
-    const {record} = await makeSweep(harness.work, "playing", {frames: 24});
+    const {record} = await harness.sweeps.sweep("plain");
     await testOrder(harness, t);
     await testSeeks(harness, t, record);
     await testBackAndForth(harness, t);

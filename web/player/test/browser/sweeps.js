@@ -1,16 +1,11 @@
 // Sweeps as the tool makes them, whose frames carry their number, and the pictures that `orbitwalk render` makes of them.
-import assert from "node:assert/strict";
-import {execFile} from "node:child_process";
-import {copyFile, mkdir, readFile, rm} from "node:fs/promises";
+import {cp, mkdir, readFile, rename, rm, writeFile} from "node:fs/promises";
 import {join} from "node:path";
-import {promisify} from "node:util";
 import {openRecord} from "@orbitwalk/record";
+import {withTenBorderFrames} from "../../../record/test/tenBorderFrames.js";
+import {run, tool} from "../../../test/tool.js";
 
-const run = promisify(execFile);
-const tool = process.env.ORBITWALK_TOOL;
-assert.ok(tool, "ORBITWALK_TOOL has to name the tool");
-
-const ffmpeg = (...options) => run("ffmpeg", ["-v", "error", "-y", ...options]);
+const ffmpeg = (...options) => run("ffmpeg", "-v", "error", "-y", ...options);
 
 /** A number as squares in a row, the lowest bit first: white is 1. In frames' pixels, corners at (left, top). */
 export const mark = {bits: 6, side: 20, left: 0.3, top: 0.22};
@@ -24,52 +19,92 @@ function marking(width, height) {
     return bits.flatMap(bit => [box(bit, "black", ""), box(bit, "white", `:enable='gt(mod(floor(n/${2 ** bit}),2),0)'`)]).join(",");
 }
 
-/**
- * @typedef {object} SweepSettings
- * @property {string} [size]
- * @property {number} [frames]
- * @property {string[]} [simulate]
- * @property {string[]} [capture]
- * @property {boolean} [refined]
- * @property {boolean} [bFrames]  encoded anew with frames that refer forwards
- */
+const clips = {
+    landscape: {size: [640, 360], simulate: ["--frames", "18"]},
+    portrait: {size: [360, 640], simulate: ["--frames", "10", "--speed", "8"]},
+};
 
-/**
- * Leaves sweep.mp4, sweep.obw and, of what render makes of them, steady.rgb in a directory.
- * @param {string} work
- * @param {string} name
- * @param {SweepSettings} settings
- */
-export async function makeSweep(work, name, {size = "640x360", frames = 16, simulate = [], capture = [], refined, bFrames}) {
-    const directory = join(work, name);
-    const file = more => join(work, `${name}.${more}`);
-    const [width, height] = size.split("x").map(Number);
-    await run(tool, ["simulate", "-q", "-o", file("clip.mp4"), "--size", size, "--frames", String(frames), ...simulate]);
-    await ffmpeg("-i", file("clip.mp4"), "-vf", marking(width, height), "-c:v", "libx264", "-preset", "ultrafast", "-crf", "10",
-        "-pix_fmt", "yuv420p", file("marked.mp4"));
-    await run(tool, ["capture", file("marked.mp4"), "-q", "-o", directory, ...capture]);
-    if (refined)
-        await run(tool, ["refine", directory, "-q"]);
-    if (bFrames) {
+/** Changes the copy of a captured sweep; its summary would tell. @type {Record<string, (directory: string) => Promise<void>>} */
+const changes = {
+    async refined(directory) {
+        await tool("refine", directory, "-q");
+    },
+    async "with ten border frames"(directory) {
+        const record = join(directory, "sweep.obw");
+        await writeFile(record, withTenBorderFrames(await readFile(record)));
         await rm(join(directory, "sweep.json"));
-        await ffmpeg("-i", join(directory, "sweep.mp4"), "-c:v", "libx264", "-preset", "fast", "-crf", "16", "-bf", "3",
-            "-g", "12", "-movflags", "+faststart", file("b.mp4"));
-        await copyFile(file("b.mp4"), join(directory, "sweep.mp4"));
-    }
-    await run(tool, ["render", directory, "-q", "-o", file("steady.mp4"), "--quality", "1", "--border-frames", ...refined ? ["--refined"] : []]);
-    await ffmpeg("-noautorotate", "-i", file("steady.mp4"), "-sws_flags", "bicubic+accurate_rnd+full_chroma_int+full_chroma_inp",
-        "-pix_fmt", "rgba", "-f", "rawvideo", join(directory, "steady.rgba"));
-    if (refined)
-        await copyFile(join(directory, "refined.obw"), join(directory, "sweep.obw"));
-    const record = openRecord(await readFile(join(directory, "sweep.obw")));
-    return {name, record};
-}
+    },
+    async "with forward references"(directory) {
+        const video = join(directory, "sweep.mp4"), anew = join(directory, "anew.mp4");
+        await ffmpeg("-i", video, "-c:v", "libx264", "-preset", "fast", "-crf", "16", "-bf", "3", "-g", "12",
+            "-movflags", "+faststart", anew);
+        await rename(anew, video);
+        await rm(join(directory, "sweep.json"));
+    },
+};
 
-/** A video of 1080p and about 20 MB, captured. @param {string} work @param {number} frames */
-export async function makeLargeSweep(work, frames) {
-    const directory = join(work, "large");
-    await mkdir(directory, {recursive: true});
-    await run(tool, ["simulate", "-q", "-o", join(work, "large.clip.mp4"), "--frames", String(frames), "--noise", "4"]);
-    await run(tool, ["capture", join(work, "large.clip.mp4"), "-q", "-o", directory]);
-    return {name: "large", record: openRecord(await readFile(join(directory, "sweep.obw")))};
+const captures = {
+    plain: {clip: "landscape", capture: []},
+    mirrored: {clip: "landscape", capture: ["--front-flip", "--duration", "0.5", "--skip", "5,9-10"]},
+    portrait: {clip: "portrait", capture: ["--orientation", "90"]},
+};
+
+/** Makes each clip and sweep once, when it is first asked for. @param {string} work */
+export function sweepsIn(work) {
+    const made = new Map();
+    const once = (key, make) => made.get(key) ?? made.set(key, make()).get(key);
+
+    const clip = name => once(`clip ${name}`, async () => {
+        const {size: [width, height], simulate} = clips[name];
+        const plain = join(work, `${name}.plain.mp4`), marked = join(work, `${name}.mp4`);
+        await tool("simulate", "-q", "-o", plain, "--size", `${width}x${height}`, ...simulate);
+        await ffmpeg("-i", plain, "-vf", marking(width, height), "-c:v", "libx264", "-preset", "ultrafast", "-crf", "10",
+            "-pix_fmt", "yuv420p", marked);
+        return marked;
+    });
+
+    /** Leaves sweep.mp4 and sweep.obw in the directory of that name. @param {string} name */
+    const sweep = name => once(name, async () => {
+        const directory = join(work, name);
+        if (changes[name]) {
+            await sweep("plain");
+            await cp(join(work, "plain"), directory, {recursive: true});
+            await changes[name](directory);
+        } else {
+            await tool("capture", await clip(captures[name].clip), "-q", "-o", directory, ...captures[name].capture);
+        }
+        return {record: openRecord(await readFile(join(directory, "sweep.obw")))};
+    });
+
+    /** As well what render makes of it: steady.rgba. @param {string} name */
+    const rendered = name => once(`${name}, rendered`, async () => {
+        const {record} = await sweep(name);
+        const directory = join(work, name), steady = join(work, `${name}.steady.mp4`);
+        const refined = name === "refined";
+        await tool("render", directory, "-q", "-o", steady, "--quality", "1", "--border-frames", ...refined ? ["--refined"] : []);
+        await ffmpeg("-noautorotate", "-i", steady, "-sws_flags", "bicubic+accurate_rnd+full_chroma_int+full_chroma_inp",
+            "-pix_fmt", "rgba", "-f", "rawvideo", join(directory, "steady.rgba"));
+        if (!refined)
+            return {record};
+        await rename(join(directory, "refined.obw"), join(directory, "sweep.obw"));
+        return {record: openRecord(await readFile(join(directory, "sweep.obw")))};
+    });
+
+    /** 1080p with the noise of a sensor, which makes a video large. */
+    const large = () => once("large", async () => {
+        const shot = join(work, "large.shot.mp4");
+        await mkdir(join(work, "large"));
+        await ffmpeg("-f", "lavfi", "-i", "testsrc2=size=2160x1080:rate=30,noise=alls=16:allf=t,crop=1920:1080:x=n*12:y=0",
+            "-frames:v", "12", "-c:v", "libx264", "-preset", "ultrafast", "-crf", "12", "-pix_fmt", "yuv420p", shot);
+        await tool("capture", shot, "-q", "-o", join(work, "large"));
+    });
+
+    /** Makes them all in the background, while tests wait for what plays in its own time; who asks for one hears why it failed. */
+    async function prepare() {
+        for (const name of [...Object.keys(captures).slice(1), ...Object.keys(changes)])
+            await rendered(name).catch(() => {});
+        await large().catch(() => {});
+    }
+
+    return {sweep, rendered, large, prepare};
 }

@@ -12,10 +12,7 @@ import {openSweep} from "./sweep.js";
 import {PlayerError, reasonOf} from "./video.js";
 import {partsOf} from "./view.js";
 
-/**
- * @typedef {import("./glPainter.js").Painter} Painter
- * @typedef {import("./glPainter.js").Picture} Picture
- */
+/** @import {Painter, Picture} from "./glPainter.js" */
 
 const seconds = () => performance.now() / 1000;
 

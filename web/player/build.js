@@ -3,14 +3,14 @@
 import {readFile} from "node:fs/promises";
 import {build} from "esbuild";
 
-const {dependencies} = JSON.parse(await readFile("package.json", "utf8"));
+const {devDependencies} = JSON.parse(await readFile("package.json", "utf8"));
 const common = {
     entryPoints: ["src/index.js"],
     bundle: true,
     minify: true,
     target: "es2022",
     legalComments: "none",
-    banner: {js: `/* Orbitwalk player. Contains Mediabunny ${dependencies.mediabunny}, copyright 2026-present Vanilagy and ` +
+    banner: {js: `/* Orbitwalk player. Contains Mediabunny ${devDependencies.mediabunny}, copyright 2026-present Vanilagy and ` +
         "contributors, under the Mozilla Public License 2.0, https://mozilla.org/MPL/2.0/; its source is the npm package " +
         "mediabunny of that version. */"},
     logLevel: "warning",

@@ -88,7 +88,7 @@ function(orbitwalk_test name)
         # Instrumented test code takes long to optimise and little to run.
         target_compile_options(${name} PRIVATE -O0)
         add_test(NAME ${name} COMMAND ${name})
-        set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+        set_tests_properties(${name} PROPERTIES TIMEOUT 1800)
     else()
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
     endif()

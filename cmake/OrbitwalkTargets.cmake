@@ -37,8 +37,15 @@ target_compile_features(orbitwalk_settings INTERFACE cxx_std_20)
 # prefix keeps the paths of the machine that builds out of the errors that OpenCV reports.
 target_compile_options(orbitwalk_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wformat=2 -Wnon-virtual-dtor
-    -Woverloaded-virtual $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety> -Werror -ffp-contract=off
+    -Woverloaded-virtual $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety> -ffp-contract=off
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# The tests' compilers must not warn; an NDK's is another one.
+if(NOT ANDROID)
+    target_compile_options(orbitwalk_settings INTERFACE -Werror)
+endif()
+# Machines with pages of 16 KB load the libraries, too; elsewhere it costs some padding in the file. Both values: the
+# first places the segments, the second ends what is made read-only after relocation at a page's end.
+target_link_options(orbitwalk_settings INTERFACE LINKER:-z,max-page-size=16384 LINKER:-z,common-page-size=16384)
 if(ORBITWALK_SANITIZE)
     # GCC's flow analysis calls members uninitialised that its instrumentation only hides, in <regex> for one.
     target_compile_options(orbitwalk_settings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
@@ -58,8 +65,11 @@ endif()
 add_library(orbitwalk_headers INTERFACE)
 target_include_directories(orbitwalk_headers INTERFACE
     ${PROJECT_SOURCE_DIR}/include
-    ${PROJECT_SOURCE_DIR}/host/platform/include
     ${PROJECT_SOURCE_DIR}/host/mp4writer/include)
+# The log's and the properties' headers for hosts would hide those of an NDK.
+if(NOT ANDROID)
+    target_include_directories(orbitwalk_headers INTERFACE ${PROJECT_SOURCE_DIR}/host/platform/include)
+endif()
 
 # orbitwalk_test(NAME [ALONE] [ONE_THREAD] [NOT_SANITIZED] SOURCES file... [LIBRARIES lib...] [DEFINITIONS NAME=VALUE...]
 #     [DEPENDS target...])

@@ -10,7 +10,8 @@ packages_build=(
 )
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)
-packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils chromium ffmpeg man-db zsh fish)
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils lld chromium ffmpeg man-db zsh fish
+    android-liblog-dev openjdk-17-jdk-headless)
 # For bench/quality, bench/measure_speed and bench/plan_check.
 packages_bench=(ffmpeg lomiri-wallpapers-16.04 python3-cvxopt)
 packages_package=(debootstrap dpkg-dev file lintian)

@@ -6,9 +6,10 @@
 
 namespace {
 
-/// Demangled names in the library's dynamic symbol table.
-std::set<std::string> symbols(const std::string& options) {
-    const auto lines = test_support::linesOf("nm -D -C -j " + options + " " ENGINE_LIBRARY);
+/// Demangled names in a library's dynamic symbol table.
+std::set<std::string> symbols(const std::string& options,
+                              const std::string& library = ENGINE_LIBRARY) {
+    const auto lines = test_support::linesOf("nm -D -C -j " + options + " " + library);
     return {lines.begin(), lines.end()};
 }
 
@@ -20,6 +21,8 @@ TEST(SymbolTable, ExportsExactlyTheEntryPointsAndTheClassesOfTheSurface) {
         EXPECT_TRUE(exported.contains(name)) << "not exported: " << name;
     for (const std::string& name : exported)
         EXPECT_TRUE(expected.contains(name)) << "exported: " << name;
+    EXPECT_EQ(symbols("--defined-only", ENGINE_BY_LLD), exported)
+        << "lld reads the list of exports in another way";
 }
 
 bool belongsToTheRuntime(const std::string& name) {

@@ -28,8 +28,11 @@ function(orbitwalk_install_library name component)
     if(type STREQUAL SHARED_LIBRARY)
         # One search path for both trees. CMake pads a shorter one of the build tree with empty entries, and each of
         # them means the working directory.
-        set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON
-            SOVERSION ${ORBITWALK_SOVERSION} VERSION ${ORBITWALK_SOVERSION}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH})
+        set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
+        if(NOT ANDROID)
+            set_target_properties(${target} PROPERTIES SOVERSION ${ORBITWALK_SOVERSION}
+                VERSION ${ORBITWALK_SOVERSION}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH})
+        endif()
         add_dependencies(installed ${target})
     endif()
     install(TARGETS ${target} EXPORT OrbitwalkTargets

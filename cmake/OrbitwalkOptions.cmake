@@ -4,6 +4,7 @@ include(CMakeDependentOption)
 set(on_a_host ON)
 if(ANDROID)
     set(on_a_host OFF)
+    set(ORBITWALK_MP4_WRITER "" CACHE STRING "The platform's MP4 writer, as a library to link; empty: the app brings its calls")
 endif()
 # The release archive holds the pages.
 set(pages_of_archive ${PROJECT_SOURCE_DIR}/web/pages)

@@ -1,7 +1,7 @@
 # What an AAR holds, in the component `prefab`: manifest, and below prefab/ each library with its headers and what Gradle
 # asks of it. Builds for several ABIs install into one prefix.
 #     cmake --install BUILD --component prefab --prefix AAR && (cd AAR && zip -r ../orbitwalk.aar .)
-string(REGEX REPLACE "^android-" "" ORBITWALK_PREFAB_API "${ANDROID_PLATFORM}")
+set(ORBITWALK_PREFAB_API "${ANDROID_PLATFORM_LEVEL}")
 set(ORBITWALK_PREFAB_NDK "${ANDROID_NDK_MAJOR}")
 foreach(needed ANDROID_ABI ANDROID_STL ORBITWALK_PREFAB_API ORBITWALK_PREFAB_NDK)
     if("${${needed}}" STREQUAL "")

@@ -11,11 +11,18 @@ fail() {
     exit 1
 }
 
-# As an NDK's toolchain file does: what no library gives is an error.
-cmake -S "$source" -B "$work/b" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Release -DORBITWALK_BUILD_REFINE=OFF \
-    -DANDROID=ON -DANDROID_ABI=arm64-v8a -DANDROID_PLATFORM=android-26 -DANDROID_STL=c++_shared -DANDROID_NDK_MAJOR=27 \
-    -DCMAKE_CXX_FLAGS="-isystem /usr/include/android -isystem $source/tests/android/ndk" \
-    -DCMAKE_SHARED_LINKER_FLAGS=-Wl,--no-undefined >"$work/log" 2>&1 || { cat "$work/log"; fail "It does not configure."; }
+# The preset, with a toolchain file that sets what an NDK's does: what no library gives is an error, too.
+mkdir -p "$work/ndk/build/cmake"
+cat >"$work/ndk/build/cmake/android.toolchain.cmake" <<T
+set(ANDROID ON)
+set(ANDROID_NDK_MAJOR 27)
+string(REGEX REPLACE "^android-" "" ANDROID_PLATFORM_LEVEL "\${ANDROID_PLATFORM}")
+set(CMAKE_CXX_COMPILER "$compiler")
+set(CMAKE_CXX_FLAGS_INIT "-isystem /usr/include/android -isystem $source/tests/android/ndk")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT -Wl,--no-undefined)
+T
+cd "$source"
+ANDROID_NDK_HOME=$work/ndk cmake --preset android -B "$work/b" >"$work/log" 2>&1 || { cat "$work/log"; fail "It does not configure."; }
 targets=$(ninja -C "$work/b" -t targets all)
 grep -qE '^libOrbitwalk(Platform|MP4Writer)' <<<"$targets" && fail "A host's stand-ins are built."
 grep -qE '\.so\.[0-9]' <<<"$targets" && fail "A library has a versioned name."

@@ -14,8 +14,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace {
 

@@ -5,6 +5,8 @@
 #include <jni.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <utility>

@@ -9,8 +9,6 @@ dependencyResolutionManagement {
     repositories {
         google()
         mavenCentral()
-        // orbitwalk.aar, as docs/android.md makes it.
-        flatDir { dirs("app/libs") }
     }
 }
 rootProject.name = "orbitwalk-sample"

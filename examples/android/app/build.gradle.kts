@@ -36,6 +36,7 @@ android {
 }
 
 dependencies {
+    // As docs/android.md makes it.
     implementation(files("libs/orbitwalk.aar"))
     val camerax = "1.3.4"
     implementation("androidx.activity:activity-ktx:1.9.0")

@@ -11,6 +11,7 @@
 #include "sweep/Sweep.h"
 #include "sweep/TruthCsv.h"
 #include "terminal/ToolError.h"
+#include "tool/PanVideo.h"
 #include "tool/RunTool.h"
 
 namespace orbitwalk::tool {
@@ -154,6 +155,13 @@ TEST_F(Refined, IsShownAsTheEnginesRecordIs) {
         return std::hypot(motion.at("xPixels").get<double>(), motion.at("yPixels").get<double>());
     };
     EXPECT_LT(residual(own / "steady.mp4"), 0.1 * residual(sweep / "sweep.mp4"));
+}
+
+TEST_F(Refined, SaysWhatCouldNotBeMeasured) {
+    // Each frame shows another place.
+    test_support::writePanVideo(own / "cuts.mp4", {.frames = 3, .stepX = 2000});
+    const ToolRun both = run({"capture", own / "cuts.mp4", "-o", own / "cuts", "--refine"});
+    EXPECT_THAT(both.err, HasSubstr("warning: the refined sweep is not steadier"));
 }
 
 TEST_F(Refined, RefusesInOneLineAndLeavesNothingHalfWritten) {

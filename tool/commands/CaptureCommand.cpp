@@ -69,6 +69,8 @@ void run(CaptureArguments arguments) {
         printNote(note);
     for (const std::string& warning : warningsOf(summary, video))
         printWarning(warning);
+    if (const auto warning = refined ? unmeasuredWarning(*refined) : std::nullopt)
+        printWarning(*warning);
     if (refined)
         printSummary(arguments.common, withRefined(toJsonText(summary), *refined),
                      toText(summary) + toText(*refined));

@@ -4,6 +4,7 @@
 #include "commands/Commands.h"
 #include "refine/Refinement.h"
 #include "terminal/CommonOptions.h"
+#include "terminal/Print.h"
 
 namespace orbitwalk::tool {
 
@@ -17,6 +18,8 @@ struct RefineArguments {
 void run(RefineArguments arguments) {
     arguments.refine.force = arguments.common.force;
     const RefinedSummary summary = refineSweep(arguments.refine);
+    if (const auto warning = unmeasuredWarning(summary))
+        printWarning(*warning);
     printSummary(arguments.common, toJsonText(summary), toText(summary));
 }
 

@@ -60,7 +60,8 @@ MATCHER_P(IsOneLineWith, text, "") {
 TEST_F(CaptureCommand, TurnsAVideoIntoMp4RecordAndPath) {
     const auto run = capture({pan({.frames = 30, .stepX = -10}), "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_EQ(run.err, "");
+    // An even pan cannot get steadier.
+    EXPECT_THAT(run.err, IsOneLineWith("warning: Not steadier than recorded: 0.0"));
     EXPECT_EQ(namesIn(mDir / "out"), kOutputs);
     EXPECT_EQ(test_support::readVideo(mDir / "out/sweep.mp4").size(), 30u);
     const auto rows = contentOf(mDir / "out/sweep.csv");
@@ -81,6 +82,7 @@ TEST_F(CaptureCommand, TurnsAVideoIntoMp4RecordAndPath) {
     EXPECT_EQ(summary.at("rendered"), 30);
     EXPECT_LE(summary.at("repeatedMotions"), 3);
     EXPECT_EQ(summary.at("repeatedMotionWarning"), false);
+    EXPECT_EQ(summary.at("verdict").at("steadier"), false);
     EXPECT_EQ(summary.at("outputs").at("record"), mOut + "/sweep.obw");
     double stages = 0;
     for (const auto& [stage, seconds] : summary.at("seconds").items())
@@ -109,7 +111,9 @@ TEST_F(CaptureCommand, StopsTakingFramesAtAThousandAndWarnsOfAPictureTooSmallToM
     const auto run = capture({pan({.width = 64, .height = 48, .frames = 1002}), "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.err, HasSubstr("note: stopped taking frames at 1000"));
-    EXPECT_THAT(run.err, HasSubstr("warning: the motion could not be measured"));
+    EXPECT_THAT(run.err,
+                HasSubstr("warning: the motion of 999 of 1000 frames could not be measured"));
+    EXPECT_THAT(run.err, HasSubstr("warning: Not steadier than recorded"));
     const json summary = json::parse(run.out);
     EXPECT_EQ(summary.at("truncated"), true);
     EXPECT_EQ(summary.at("repeatedMotions"), 999);
@@ -185,7 +189,9 @@ TEST_F(CaptureCommand, RefusesToReplaceItsSource) {
     std::filesystem::create_directory(mDir / "out");
     std::filesystem::rename(video, mDir / "out/sweep.mp4");
     const std::string before = contentOf(mDir / "out/sweep.mp4");
-    EXPECT_THAT(capture({mDir / "out/sweep.mp4"}).err, IsOneLineWith("would be replaced"));
+    const auto run = capture({mDir / "out/sweep.mp4"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.err, IsOneLineWith("would be replaced"));
     EXPECT_EQ(namesIn(mDir / "out"), Names{"sweep.mp4"});
     EXPECT_EQ(contentOf(mDir / "out/sweep.mp4"), before);
 }

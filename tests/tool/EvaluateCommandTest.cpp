@@ -77,7 +77,7 @@ TEST(EvaluateCommand, JudgesASteadyVideoBesideItsSource) {
     EXPECT_NEAR(verdict.at("viewKept"), 0.64, 0.005);
     const ToolRun worse = runTool(
         {"evaluate", "--video", directory / "clip.mp4", "--against", directory / "steady.mp4"});
-    EXPECT_THAT(worse.out, HasSubstr("verdict: not steadier: "));
+    EXPECT_THAT(worse.out, HasSubstr("verdict by the pictures: Not steadier than recorded: "));
     EXPECT_EQ(source.at("unregistered"), 0);
 }
 

@@ -59,7 +59,7 @@ TEST_F(RenderCommand, PlaysBorderFramesAndTheSteadySweep) {
     EXPECT_NE(run.out.find("13 frames of 320x240 (2 before the sweep, 9 of it, 2 after)"),
               std::string::npos)
         << run.out;
-    EXPECT_THAT(run.err, HasSubstr("2 of 10 frames repeat the last motion"));
+    EXPECT_THAT(run.err, HasSubstr("the motion of 2 of 10 frames could not be measured"));
     const auto frames = readVideo(video);
     ASSERT_EQ(frames.size(), 13u);
     ASSERT_EQ(frames[0].size(), 320u * 240 * 3 / 2);
@@ -87,7 +87,8 @@ TEST_F(RenderCommand, TellsAsJsonWhatItWroteAndNothingWhenQuiet) {
     EXPECT_EQ(json["crop"],
               nlohmann::json({{"x", 32}, {"y", 24}, {"width", 256}, {"height", 192}}));
     EXPECT_EQ(json["rotationDegrees"], 270);
-    EXPECT_THAT(json["warnings"][0], HasSubstr("repeat the last motion"));
+    EXPECT_THAT(json["warnings"][0], HasSubstr("could not be measured"));
+    EXPECT_TRUE(json["verdict"]["steadier"].is_boolean());
     EXPECT_GE(json["seconds"]["total"], json["seconds"]["video"]);
     EXPECT_EQ(render({"-o", video, "-q"}).out, "");
 }
@@ -200,7 +201,7 @@ TEST_F(RenderCommand, RefusesWhatDoesNotBelongTogetherInOneLineAndLeavesNothing)
         {toPanorama, "sweep.csv: No such file", [&] { fs::remove(csv); }},
         {toPanorama, "it has 1 frames, the record says 10",
          [&] { writeFile(csv, "frame,x,y,a,flag,repeated\n0,0,0,0,1,0\n"); }},
-        {{"-o", mp4}, "that name is taken"},
+        {{"-o", mp4}, "that name is taken", nothing, 2},
         {{"-o", directory / "a.mp4", "--strip", directory / "none" / "s.png"},
          "there is no directory"},
         {{"-o", csv / "out.mp4"}, "sweep.csv is not a directory"},

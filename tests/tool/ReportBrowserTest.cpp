@@ -197,7 +197,7 @@ void expectWords(const json& found) {
     EXPECT_THAT(found.at("texts"),
                 testing::Contains(testing::ResultOf(
                     [](const json& text) { return text.get<std::string>(); },
-                    HasSubstr("Warning: 2 of 10 frames repeat the last motion"))));
+                    HasSubstr("Warning: the motion of 2 of 10 frames could not be measured"))));
 }
 
 TEST_F(ReportInBrowser, DrawsEveryLineAndShowsPicturesAndWords) {

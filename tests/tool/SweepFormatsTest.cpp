@@ -99,9 +99,29 @@ TEST(Checksum, IsSha256) {
     EXPECT_THAT(complaintOf([&] { sha256OfFile(directory / "none"); }), HasSubstr("none: No such"));
 }
 
-TEST(Summary, WarnsWhenMoreThanATenthOfTheMotionsAreRepeated) {
-    EXPECT_FALSE(repeatedMotionWarning(5, 50));
-    EXPECT_THAT(repeatedMotionWarning(6, 50), testing::Optional(HasSubstr("6 of 50 frames")));
+TEST(Verdict, SaysWhatIsLeftAtWhichPriceOrWhyNothingWasGained) {
+    const struct {
+        double before, after;
+        int unmeasured;  ///< Of 50.
+        const char* verdict;
+        std::vector<std::string> warnings;
+    } cases[] = {
+        {5, 1, 5, "Steadier: 1.00 of 5.00 px of shake remain (20 %), with 81.0 % of the view", {}},
+        {5, 1, 6, "Steadier: ", {"the motion of 6 of 50 frames could not be measured"}},
+        {5, 6, 0, "Not steadier than recorded: 5.00 px", {"Not steadier"}},
+        {5, 1, 26, "the motion could not be measured", {"26 of 50 frames", "Not steadier"}},
+        {0, 0, 0, "Nothing to steady", {}},
+    };
+    for (const auto& c : cases) {
+        const Steadiness steadiness{{0, c.before, 0}, {c.after, 0, 0}, 0.81, c.unmeasured, 50};
+        const Verdict verdict = verdictOn(steadiness);
+        EXPECT_THAT(verdict.text, HasSubstr(c.verdict));
+        EXPECT_EQ(verdict.steadier, verdict.text.starts_with("Steadier"));
+        const auto warnings = warningsOn(steadiness);
+        ASSERT_EQ(warnings.size(), c.warnings.size()) << c.verdict;
+        for (std::size_t i = 0; i < warnings.size(); ++i)
+            EXPECT_THAT(warnings[i], HasSubstr(c.warnings[i]));
+    }
 }
 
 class Sidecar : public testing::Test {

@@ -10,6 +10,7 @@
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
 #include "sweep/Checksum.h"
+#include "sweep/Steadiness.h"
 #include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
 #include "terminal/ProgressBar.h"
@@ -26,8 +27,8 @@ void refuseToReplaceTheSource(const CaptureOptions& options) {
     for (const char* name : kSweepNames) {
         std::error_code noSuchFile;
         if (fs::equivalent(options.video, options.directory / name, noSuchFile))
-            throw ToolError(options.video.string() +
-                            " is the video to capture and would be replaced");
+            throw UsageError(options.video.string() +
+                             " is the video to capture and would be replaced");
     }
 }
 
@@ -155,6 +156,8 @@ SessionResult runSession(const CaptureOptions& options, media::VideoReader& vide
     if (wentVertically(summary, feed.path, options.orientation.value_or(shown)))
         summary.direction = OBW_DIRECTION_TOP2BOTTOM;
     summary.truncated = feed.truncated;
+    RecordReader reader = reopened(recordBytes);
+    summary.steadiness = steadinessOf(rows, reader);
     const SweepFiles files(options.directory);
     summary.sweepVideo = files.video;
     summary.sweepRecord = files.record;
@@ -164,7 +167,7 @@ SessionResult runSession(const CaptureOptions& options, media::VideoReader& vide
     std::optional<MeasuredMotions> motions;
     if (measurer)
         motions = std::move(*measurer).motions(options.video.filename().string());
-    return {std::move(result), reopened(recordBytes), std::move(motions)};
+    return {std::move(result), std::move(reader), std::move(motions)};
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "capture/Notes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 
 #include "capture/SweepRange.h"
 
@@ -86,8 +88,8 @@ std::vector<std::string> warningsOf(const Summary& summary, const VideoFacts& vi
         warnings.push_back(*std::move(warning));
     if (summary.rendered == 0)
         warnings.push_back("every frame of the range is skipped: the record renders no frame");
-    if (auto warning = repeatedMotionWarning(summary.repeatedMotions, summary.frames))
-        warnings.push_back(*std::move(warning));
+    if (summary.steadiness)
+        std::ranges::copy(warningsOn(*summary.steadiness), std::back_inserter(warnings));
     return warnings;
 }
 

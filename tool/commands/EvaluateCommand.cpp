@@ -4,6 +4,7 @@
 #include "commands/Commands.h"
 #include "evaluate/Evaluation.h"
 #include "terminal/CommonOptions.h"
+#include "terminal/Print.h"
 
 namespace orbitwalk::tool {
 
@@ -16,6 +17,8 @@ struct EvaluateArguments {
 
 void run(const EvaluateArguments& arguments) {
     const Evaluation evaluation = evaluate(arguments.evaluate);
+    for (const std::string& warning : evaluation.warnings)
+        printWarning(warning);
     printSummary(arguments.common, toJson(evaluation).dump(2) + "\n", toText(evaluation));
 }
 

@@ -3,6 +3,7 @@
 
 #include "commands/Commands.h"
 #include "refine/Refinement.h"
+#include "sweep/Steadiness.h"
 #include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
 
@@ -20,7 +21,9 @@ void run(RefineArguments arguments) {
     const RefinedSummary summary = refineSweep(arguments.refine);
     if (const auto warning = unmeasuredWarning(summary))
         printWarning(*warning);
-    printSummary(arguments.common, toJsonText(summary), toText(summary));
+    printSummary(
+        arguments.common, toJsonText(summary),
+        toText(summary) + "verdict           " + verdictOn(steadinessOf(summary)).text + '\n');
 }
 
 }  // namespace

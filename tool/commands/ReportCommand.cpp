@@ -51,7 +51,7 @@ std::string pageOf(const Sweep& sweep, const ReportData& data) {
 std::string summaryJson(const ReportOptions& options, const ReportData& data, std::size_t bytes) {
     const nlohmann::ordered_json summary{{"report", options.page.string()},
                                          {"frames", data.summary.frames},
-                                         {"steadier", data.steadiness.isSteadier()},
+                                         {"verdict", toJson(verdictOn(data.steadiness))},
                                          {"bytes", bytes}};
     // A file name may hold bytes that are not UTF-8; JSON cannot.
     return summary.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
@@ -61,7 +61,7 @@ std::string summaryText(const ReportOptions& options, const ReportData& data, st
     char facts[80];
     std::snprintf(facts, sizeof facts, ": report on %d frames, %.1f MB\n", data.summary.frames,
                   static_cast<double>(bytes) / 1e6);
-    return shown(options.page) + facts + verdictOn(data.steadiness) + "\n";
+    return shown(options.page) + facts + verdictOn(data.steadiness).text + "\n";
 }
 
 void writeReport(const ReportOptions& options) {

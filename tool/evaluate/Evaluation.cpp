@@ -1,7 +1,7 @@
 #include "evaluate/Evaluation.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <numbers>
 
 #include "evaluate/LumaVideo.h"
 #include "sweep/Playlist.h"
@@ -83,71 +83,45 @@ VideoQuality judge(const EvaluateOptions& options, const std::optional<Sweep>& s
     });
 }
 
-std::string percent(double share) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.1f %%", share * 100);
-    return text;
+refine::PathResidual residualOf(const std::optional<ResidualMotion>& motion) {
+    const ResidualMotion measured = motion.value_or(ResidualMotion{});
+    return {measured.x, measured.y, measured.angle / 180 * std::numbers::pi};
 }
 
-/// @param measuredBy  whose word the share is.
-Verdict verdictOf(std::optional<double> share, double viewKept, const std::string& measuredBy) {
-    Verdict verdict{share && *share < 1, share, viewKept, {}};
-    const std::string kept = ", " + percent(viewKept) + " of the view is kept";
-    if (!share)
-        verdict.text = "whether it is steadier could not be measured " + measuredBy + kept;
-    else
-        verdict.text = std::string(verdict.steadier ? "steadier: " : "not steadier: ") +
-                       percent(*share) + " of the shake remains" + kept + " (" + measuredBy + ")";
-    return verdict;
+/// @param source  that the video was compared with.
+Steadiness steadinessOf(const VideoQuality& video, const SourceComparison& source) {
+    Steadiness steadiness{residualOf(source.residual), residualOf(video.residual), source.kept,
+                          video.frames, video.frames};
+    if (video.residual && source.residual)
+        steadiness.unmeasured = std::max(video.residual->unmeasured, source.residual->unmeasured);
+    return steadiness;
 }
 
-Verdict verdictOf(const SourceComparison& source, const std::optional<ResidualMotion>& residual) {
-    const bool measured = residual && source.residual && source.residual->shift() > 0;
-    return verdictOf(
-        measured ? std::optional(residual->shift() / source.residual->shift()) : std::nullopt,
-        source.kept, "by the pictures");
-}
-
-/// By the motions that the record was made of.
-RecordEvaluation evaluated(const Sweep& sweep) {
-    const std::string measuredBy = sweep.refinement ? "by the motion that refine measured"
-                                                    : "by the motion that the capture measured";
+RecordEvaluation evaluated(const Sweep& sweep, Evaluation& evaluation) {
     RecordEvaluation result{sweepFacts(sweep.record), {}};
-    if (!sweep.refinement && sweep.path.empty()) {
-        result.verdict = verdictOf(std::nullopt, result.facts.keptView, measuredBy);
+    const std::optional<Steadiness> steadiness = steadinessOf(sweep);
+    if (!steadiness)
         return result;
-    }
-    const Steadiness steadiness = steadinessOf(sweep);
-    if (steadiness.before.shift() > 0)
-        result.facts.residualShare = steadiness.after.shift() / steadiness.before.shift();
-    result.verdict = verdictOf(result.facts.residualShare, steadiness.viewKept, measuredBy);
-    std::optional<std::string> warning;
-    if (!sweep.refinement)
-        warning = repeatedMotionWarning(
-            static_cast<int>(std::ranges::count(sweep.path, true, &SweepRow::repeated)),
-            sweep.record.frameCount());
-    if (!steadiness.measured)
-        result.verdict = {false, std::nullopt, steadiness.viewKept,
-                          warning.value_or(verdictOn(steadiness))};
-    else if (warning)
-        result.verdict.text += "; " + *warning;
+    result.verdict = verdictOn(*steadiness);
+    evaluation.warnings = warningsOn(*steadiness);
+    evaluation.verdict = result.verdict;
+    evaluation.judgedBy = sweep.refinement ? "by the motion that refine measured"
+                                           : "by the motion that the capture measured";
     return result;
 }
 
 void evaluateSweep(const EvaluateOptions& options, Evaluation& evaluation,
                    std::optional<Sweep>& sweep) {
     sweep.emplace(openSweep(options.directory));
-    evaluation.sweep = evaluated(*sweep);
+    evaluation.sweep = evaluated(*sweep, evaluation);
     evaluation.vertical = isVertical(sweep->summary);
-    evaluation.verdict = evaluation.sweep->verdict;
     if (!options.truth.empty())
         evaluation.path =
             pathError(requirePath(*sweep), readTruthCsv(options.truth, sweep->record.frameCount()));
     if (!options.refined)
         return;
     sweep.emplace(openSweep(options.directory, RecordBy::Refinement));
-    evaluation.refined = evaluated(*sweep);
-    evaluation.verdict = evaluation.refined->verdict;
+    evaluation.refined = evaluated(*sweep, evaluation);
 }
 
 }  // namespace
@@ -162,8 +136,12 @@ Evaluation evaluate(const EvaluateOptions& options) {
     if (options.video.empty())
         return evaluation;
     evaluation.video = judge(options, sweep);
-    if (const auto& source = evaluation.video->source)
-        evaluation.verdict = verdictOf(*source, evaluation.video->residual);
+    if (const auto& source = evaluation.video->source) {
+        const Steadiness steadiness = steadinessOf(*evaluation.video, *source);
+        evaluation.verdict = verdictOn(steadiness);
+        evaluation.warnings = warningsOn(steadiness);
+        evaluation.judgedBy = "by the pictures";
+    }
     return evaluation;
 }
 

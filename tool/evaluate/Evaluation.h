@@ -4,10 +4,12 @@
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "evaluate/PathError.h"
 #include "evaluate/SweepFacts.h"
 #include "evaluate/VideoQuality.h"
+#include "sweep/Verdict.h"
 
 namespace orbitwalk::tool {
 
@@ -20,19 +22,10 @@ struct EvaluateOptions {
     bool refined = false;  ///< The record of the refinement beside the engine's.
 };
 
-/// The conclusion.
-struct Verdict {
-    bool steadier = false;
-    /// Residual motion of the result as a share of the source's, x and y together.
-    std::optional<double> residualShare;
-    std::optional<double> viewKept;  ///< Share of the frame's area, mean of the frames.
-    std::string text;                ///< One line for people.
-};
-
 /// What a record comes to.
 struct RecordEvaluation {
     SweepFacts facts;
-    Verdict verdict;
+    std::optional<Verdict> verdict;  ///< None where there is no measured path.
 };
 
 /// What was asked for, in figures.
@@ -43,8 +36,10 @@ struct Evaluation {
     std::optional<PathError> path;
     std::optional<VideoQuality> video;
     /// Of the video where it is compared, else of the refined record, else of the engine's. None
-    /// for a video that is compared with nothing.
+    /// for a video that is compared with nothing, and for a record without a measured path.
     std::optional<Verdict> verdict;
+    std::string judgedBy;               ///< Whose word the verdict is.
+    std::vector<std::string> warnings;  ///< See warningsOn, of what the verdict is on.
 };
 
 /// Shows its progress on the terminal. With a video, decodes it and its source once; twice where
@@ -56,6 +51,7 @@ Evaluation evaluate(const EvaluateOptions& options);
 std::string toText(const Evaluation& evaluation);
 
 /// One object a part: sweep, refined, path, video, verdict; the verdict of each record is inside.
+/// The warnings are strings.
 /// Keys name their unit. What could not be measured is null.
 nlohmann::ordered_json toJson(const Evaluation& evaluation);
 

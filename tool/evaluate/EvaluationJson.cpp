@@ -13,11 +13,8 @@ Json orNull(const std::optional<Value>& value) {
     return value ? Json(*value) : Json(nullptr);
 }
 
-Json verdictJson(const Verdict& verdict) {
-    return {{"steadier", verdict.steadier},
-            {"residualShare", orNull(verdict.residualShare)},
-            {"viewKept", orNull(verdict.viewKept)},
-            {"text", verdict.text}};
+Json verdictJson(const std::optional<Verdict>& verdict) {
+    return verdict ? toJson(*verdict) : Json(nullptr);
 }
 
 Json recordJson(const RecordEvaluation& record, std::optional<bool> vertical) {
@@ -91,7 +88,8 @@ Json toJson(const Evaluation& evaluation) {
         json["path"] = pathJson(*evaluation.path);
     if (evaluation.video)
         json["video"] = videoJson(*evaluation.video);
-    json["verdict"] = evaluation.verdict ? verdictJson(*evaluation.verdict) : Json(nullptr);
+    json["verdict"] = verdictJson(evaluation.verdict);
+    json["warnings"] = evaluation.warnings;
     return json;
 }
 

@@ -26,7 +26,8 @@ void addRecord(std::string& text, const char* name, const RecordEvaluation& reco
     addLine(text, "  correction of the centre: mean (%+.1f, %+.1f), largest %.1f pixels, %.2f deg",
             sweep.meanCorrectionX, sweep.meanCorrectionY, sweep.largestCorrection,
             sweep.largestTurn);
-    text += "  " + record.verdict.text + "\n";
+    if (record.verdict)
+        text += "  " + record.verdict->text + "\n";
 }
 
 void addAxis(std::string& text, const char* name, const AxisError& position,
@@ -96,11 +97,11 @@ std::string toText(const Evaluation& evaluation) {
         addPath(text, *evaluation.path);
     if (evaluation.video)
         addVideo(text, *evaluation.video);
-    text += "verdict: " +
-            (evaluation.verdict ? evaluation.verdict->text
-                                : std::string("none; --against says what to compare with")) +
-            "\n";
-    return text;
+    if (evaluation.verdict)
+        return text + "verdict " + evaluation.judgedBy + ": " + evaluation.verdict->text + "\n";
+    return text + "verdict: none; " +
+           (evaluation.sweep ? "the measured path, sweep.csv, is not there\n"
+                             : "--against says what to compare with\n");
 }
 
 }  // namespace orbitwalk::tool

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <opencv2/core/types.hpp>
-#include <optional>
 
 #include "sweep/Playlist.h"
 
@@ -21,10 +20,6 @@ struct SweepFacts {
     double meanCorrectionY = 0;
     double largestCorrection = 0;
     double largestTurn = 0;  ///< Degrees.
-    /// Share of the recorded frames' residual motion, x and y together in pixels of the frame, that
-    /// is left in the corrected ones; by the motions that the record was made of. Nothing when they
-    /// are not there, or there is nothing to compare.
-    std::optional<double> residualShare;
 };
 
 SweepFacts sweepFacts(const RecordReader& record);

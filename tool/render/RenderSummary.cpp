@@ -34,7 +34,8 @@ std::string textOf(const char* kind, const RenderedFile& file) {
 std::string toText(const RenderSummary& summary) {
     return (summary.video ? textOf(*summary.video) : "") +
            (summary.strip ? textOf("strip", *summary.strip) : "") +
-           (summary.panorama ? textOf("panorama", *summary.panorama) : "");
+           (summary.panorama ? textOf("panorama", *summary.panorama) : "") +
+           (summary.steadiness ? verdictOn(*summary.steadiness).text + "\n" : "");
 }
 
 std::string toJsonText(const RenderSummary& summary) {
@@ -60,6 +61,8 @@ std::string toJsonText(const RenderSummary& summary) {
     const auto& [x, y, width, height] = summary.crop;
     json["crop"] = {{"x", x}, {"y", y}, {"width", width}, {"height", height}};
     json["rotationDegrees"] = summary.rotation;
+    json["verdict"] =
+        summary.steadiness ? toJson(verdictOn(*summary.steadiness)) : nlohmann::ordered_json();
     json["warnings"] = summary.warnings;
     json["seconds"] = seconds;
     // A file name may have bytes that are not UTF-8; JSON cannot.

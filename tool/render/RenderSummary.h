@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "render/SteadyVideo.h"
+#include "sweep/Verdict.h"
 
 /// What a rendering came to.
 namespace orbitwalk::tool {
@@ -27,13 +28,14 @@ struct RenderSummary {
     std::optional<RenderedVideo> video;
     std::optional<RenderedFile> strip;
     std::optional<RenderedFile> panorama;
-    CropRectangle crop;  ///< Of the frame, what is shown.
-    int rotation = 0;    ///< See displayRotation.
+    CropRectangle crop;                    ///< Of the frame, what is shown.
+    int rotation = 0;                      ///< See displayRotation.
+    std::optional<Steadiness> steadiness;  ///< None where there is no measured path.
     std::vector<std::string> warnings;
     double seconds = 0;  ///< In all.
 };
 
-/// A line a file.
+/// A line a file, and the verdict.
 std::string toText(const RenderSummary& summary);
 std::string toJsonText(const RenderSummary& summary);
 

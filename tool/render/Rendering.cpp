@@ -13,6 +13,7 @@
 #include "render/ContactSheet.h"
 #include "render/Panorama.h"
 #include "render/ScenePath.h"
+#include "sweep/Steadiness.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/Stopwatch.h"
@@ -47,22 +48,6 @@ void check(const RenderOptions& options) {
     refuseTakenNames(options.directory, {options.video, options.strip, options.panorama});
 }
 
-/// Says so when too much of the motion could not be measured.
-std::optional<std::string> motionWarning(const Sweep& sweep) {
-    const int frames = sweep.record.frameCount();
-    if (sweep.refinement) {
-        const auto unmeasured = std::ssize(sweep.refinement->summary.unmeasured);
-        if (unmeasured * 2 <= frames)
-            return std::nullopt;
-        return "the motion of " + std::to_string(unmeasured) + " of " + std::to_string(frames) +
-               " frames could not be measured, and the sweep is not steadier than the video";
-    }
-    if (sweep.path.empty() && sweep.summary)
-        return repeatedMotionWarning(sweep.summary->repeatedMotions, frames);
-    const auto repeated = std::ranges::count_if(sweep.path, &SweepRow::repeated);
-    return repeatedMotionWarning(static_cast<int>(repeated), frames);
-}
-
 std::optional<std::string> borderWarning(const Sweep& sweep) {
     if (sweep.path.empty() && !sweep.refinement)
         return std::nullopt;
@@ -92,7 +77,9 @@ class Rendering {
           mOutputs(options.replaceForeign) {
         mSummary.crop = mSweep.record.crop();
         mSummary.rotation = displayRotation(mSweep.record);
-        warn(motionWarning(mSweep));
+        mSummary.steadiness = steadinessOf(mSweep);
+        if (mSummary.steadiness)
+            mSummary.warnings = warningsOn(*mSummary.steadiness);
         if (options.steady.borderFrames)
             warn(borderWarning(mSweep));
     }

@@ -25,7 +25,7 @@ void addMotion(ReportData& data, std::span<const SweepRow> path) {
         data.motion.set(i, path[i].position - path[i - 1].position);
     for (const SweepRow& row : path)
         data.repeated.push_back(row.repeated);
-    data.repeatedWarning = repeatedMotionWarning(data.summary.repeatedMotions, data.summary.frames);
+    data.repeatedWarning = unmeasuredWarning(data.summary.repeatedMotions, data.summary.frames);
 }
 
 void addPaths(ReportData& data, const RecordReader& record, std::span<const SweepRow> path) {
@@ -93,7 +93,7 @@ ReportData reportData(const Sweep& sweep) {
     ReportData data;
     data.summary = figuresOf(sweep, path);
     data.captureKnown = sweep.summary.has_value();
-    data.steadiness = steadinessOf(sweep);
+    data.steadiness = *steadinessOf(sweep);
     data.direction = data.summary.direction == OBW_DIRECTION_TOP2BOTTOM
                          ? "vertical, which is not supported"
                          : directionName(record.direction());

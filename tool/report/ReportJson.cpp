@@ -49,10 +49,6 @@ Json residualJson(const refine::PathResidual& residual) {
     return {{"shift", residual.shift()}, {"angle", residual.angle * 180 / std::numbers::pi}};
 }
 
-Json verdictJson(const Steadiness& steadiness) {
-    return {{"steadier", steadiness.isSteadier()}, {"text", verdictOn(steadiness)}};
-}
-
 Json refinedJson(const RefinedPaths& refined) {
     Json tracks = Json::array();
     for (const PictureTrack& track : refined.tracks)
@@ -111,7 +107,7 @@ std::string withoutTags(std::string text) {
 
 std::string reportJson(const ReportData& data, const ReportPictures& pictures) {
     const Json json{{"toolVersion", toolVersion()},
-                    {"verdict", verdictJson(data.steadiness)},
+                    {"verdict", toJson(verdictOn(data.steadiness))},
                     {"captureKnown", data.captureKnown},
                     {"summary", summaryJson(data)},
                     {"direction", data.direction},

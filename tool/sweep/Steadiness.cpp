@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "sweep/Playlist.h"
 #include "terminal/ToolError.h"
@@ -88,40 +87,24 @@ refine::PathResidual residualOf(std::span<const SimilarityTransform> motions) {
     return {std::sqrt(sum.x / changes), std::sqrt(sum.y / changes), std::sqrt(sum.angle / changes)};
 }
 
-Steadiness steadinessOf(const Sweep& sweep) {
-    if (sweep.refinement) {
-        const RefinedSummary& summary = sweep.refinement->summary;
-        return {summary.before, summary.after, summary.viewKept,
-                mostAreMeasured(static_cast<int>(summary.unmeasured.size()), summary.frames)};
-    }
-    const std::vector<SweepRow>& path = requirePath(sweep);
-    const PictureMotions recorded = recordedMotions(path, sweep.record);
-    const auto repeated = std::ranges::count(path, true, &SweepRow::repeated);
-    return {residualOf(recorded), residualOf(shownMotions(recorded, sweep.record)),
-            viewKept(sweep.record),
-            mostAreMeasured(static_cast<int>(repeated), sweep.record.frameCount())};
+Steadiness steadinessOf(std::span<const SweepRow> path, const RecordReader& record) {
+    const PictureMotions recorded = recordedMotions(path, record);
+    return {residualOf(recorded), residualOf(shownMotions(recorded, record)), viewKept(record),
+            static_cast<int>(std::ranges::count(path, true, &SweepRow::repeated)),
+            record.frameCount()};
 }
 
-std::string verdictOn(const Steadiness& steadiness) {
-    const double before = steadiness.before.shift();
-    const double after = steadiness.after.shift();
-    char text[200];
-    if (!steadiness.measured)
-        return "Not steadier than the video: its motion could not be measured.";
-    if (before == 0)
-        return "Nothing to steady: the frames do not shake.";
-    if (!steadiness.isSteadier())
-        std::snprintf(
-            text, sizeof text,
-            "Not steadier than the video: %.2f px of shake as recorded, %.2f px as shown.", before,
-            after);
-    else
-        std::snprintf(
-            text, sizeof text,
-            "Steadier: %.2f of %.2f px of shake remain (%.0f %%), with %.1f %% of the view "
-            "kept.",
-            after, before, 100 * after / before, 100 * steadiness.viewKept);
-    return text;
+Steadiness steadinessOf(const RefinedSummary& summary) {
+    return {summary.before, summary.after, summary.viewKept,
+            static_cast<int>(summary.unmeasured.size()), summary.frames};
+}
+
+std::optional<Steadiness> steadinessOf(const Sweep& sweep) {
+    if (sweep.refinement)
+        return steadinessOf(sweep.refinement->summary);
+    if (sweep.path.empty())
+        return std::nullopt;
+    return steadinessOf(sweep.path, sweep.record);
 }
 
 }  // namespace orbitwalk::tool

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "orbitwalk/RecordReader.h"
 #include "orbitwalk/refine/PathPlanner.h"
 #include "sweep/Sweep.h"
+#include "sweep/Verdict.h"
 
 /// How much of the hand's shake a record leaves, by the motions that the sweep was captured or
 /// refined with: one measure for every command that judges a sweep.
@@ -30,19 +31,11 @@ PictureMotions shownMotions(std::span<const SimilarityTransform> recorded,
 /// See refine::PathResidual: nothing for fewer than three frames.
 refine::PathResidual residualOf(std::span<const SimilarityTransform> motions);
 
-struct Steadiness {
-    refine::PathResidual before;  ///< Of the frames as recorded.
-    refine::PathResidual after;   ///< As the record shows them, in pixels of the frame.
-    double viewKept = 1;          ///< Share of the frame's area that is shown.
-    bool measured = true;         ///< Otherwise most motions are guesses, and so are the residuals.
-
-    bool isSteadier() const { return measured && after.shift() < before.shift(); }
-};
-
-/// Of the sweep's record, the engine's or the refinement's. @throws ToolError: see requirePath.
-Steadiness steadinessOf(const Sweep& sweep);
-
-/// One sentence: steadier by how much at which price, or not and why.
-std::string verdictOn(const Steadiness& steadiness);
+/// Of a record by the engine's motions. @param path  one row a frame of the record.
+Steadiness steadinessOf(std::span<const SweepRow> path, const RecordReader& record);
+Steadiness steadinessOf(const RefinedSummary& summary);
+/// Of the sweep's record, the engine's or the refinement's. @return nothing without a measured
+/// path.
+std::optional<Steadiness> steadinessOf(const Sweep& sweep);
 
 }  // namespace orbitwalk::tool

@@ -235,24 +235,6 @@ void fillFigures(Summary& summary, const __kelOBWKDXMetaData& record,
     summary.repeatedMotions = static_cast<int>(std::ranges::count(path, true, &SweepRow::repeated));
 }
 
-bool mostAreMeasured(int unmeasured, int frames) {
-    return unmeasured * 2 <= frames;
-}
-
-std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames) {
-    if (repeatedMotions * 10 <= frames)
-        return std::nullopt;
-    constexpr char why[] =
-        "too few corners to follow (the picture is small, soft or dark, or moves too fast)";
-    if (!mostAreMeasured(repeatedMotions, frames))
-        return line(
-            "the motion could not be measured, and the sweep is not steadier than the video: %d of "
-            "%d frames repeat the last motion, for %s",
-            repeatedMotions, frames, why);
-    return line("%d of %d frames repeat the last motion because theirs could not be measured: %s",
-                repeatedMotions, frames, why);
-}
-
 std::string toText(const Summary& summary) {
     const StageSeconds& s = summary.seconds;
     return line("frames            %d of %dx%d, %d to %d rendered, %d skipped%s\n", summary.frames,
@@ -266,6 +248,8 @@ std::string toText(const Summary& summary) {
                 100 * summary.cropWidthShare, 100 * summary.cropHeightShare) +
            line("correction        %s\n", wordsOf(summary.smoothing)) +
            line("repeated motions  %d\n", summary.repeatedMotions) +
+           (summary.steadiness ? "verdict           " + verdictOn(*summary.steadiness).text + "\n"
+                               : "") +
            line(
                "seconds           decode %.2f, measure %.2f, feed %.2f, wait for encoder %.2f,\n"
                "                  finish video %.2f, smooth %.2f, render matrices %.2f, clean up "
@@ -284,7 +268,9 @@ nlohmann::ordered_json toJson(const Summary& summary) {
     // What follows from other values, and where the files went, which nobody reads back.
     json["frameRate"]["sweep"] = kSweepRate;
     json["repeatedMotionWarning"] =
-        repeatedMotionWarning(summary.repeatedMotions, summary.frames).has_value();
+        unmeasuredWarning(summary.repeatedMotions, summary.frames).has_value();
+    if (summary.steadiness)
+        json["verdict"] = toJson(verdictOn(*summary.steadiness));
     json["outputs"] = {{"video", summary.sweepVideo.string()},
                        {"record", summary.sweepRecord.string()},
                        {"path", summary.sweepPath.string()},

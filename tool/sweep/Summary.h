@@ -13,6 +13,7 @@
 #include "sweep/RecordFacts.h"
 #include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
+#include "sweep/Verdict.h"
 
 /// sweep.json: what a capture came to, and which files belong to it.
 namespace orbitwalk::tool {
@@ -78,8 +79,8 @@ SweepChecksums checksumsOf(const SweepFiles& files);
 /// and before it named the files that belong to it.
 inline constexpr int kSummarySchema = 1;
 
-/// What a capture came to. A capture fills in all of it; of what was read, the four paths of the
-/// outputs are left empty.
+/// What a capture came to. A capture fills in all of it; of what was read, the steadiness and the
+/// four paths of the outputs are left empty.
 struct Summary {
     int schema = kSummarySchema;  ///< 0 when none was given.
     std::string toolVersion{tool::toolVersion()};
@@ -108,6 +109,7 @@ struct Summary {
     double cropHeightShare = 0;
     Smoothing smoothing = Smoothing::Smoothed;
     int repeatedMotions = 0;
+    std::optional<Steadiness> steadiness;  ///< Told, and not read back.
     StageSeconds seconds;
     std::filesystem::path sweepVideo;
     std::filesystem::path sweepRecord;
@@ -123,13 +125,6 @@ Trajectory pathExtent(std::span<const Trajectory> path);
 /// @param path  one row a frame of the record.
 void fillFigures(Summary& summary, const __kelOBWKDXMetaData& record,
                  std::span<const SweepRow> path);
-
-/// Whether at least half of the frames have a motion of their own, without which nothing is
-/// steadied.
-bool mostAreMeasured(int unmeasured, int frames);
-
-/// A line that warns of too many repeated motions, more than a tenth of the frames.
-std::optional<std::string> repeatedMotionWarning(int repeatedMotions, int frames);
 
 std::string toText(const Summary& summary);
 nlohmann::ordered_json toJson(const Summary& summary);

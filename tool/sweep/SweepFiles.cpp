@@ -30,7 +30,7 @@ void refuseTakenNames(const std::filesystem::path& sweepDirectory,
         taken.insert(followed(file));
     for (const std::filesystem::path& output : outputs)
         if (!output.empty() && !taken.insert(followed(output)).second)
-            throw ToolError("cannot write " + output.string() + ": that name is taken");
+            throw UsageError("cannot write " + output.string() + ": that name is taken");
 }
 
 }  // namespace orbitwalk::tool

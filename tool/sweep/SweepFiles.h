@@ -34,8 +34,8 @@ struct SweepFiles {
 /// The path with links followed as far as they lead; as it is where they cannot be followed.
 std::filesystem::path followed(const std::filesystem::path& path);
 
-/// @throws ToolError when an output has the name of a file of the sweep or of another output; empty
-/// names are none.
+/// @throws UsageError when an output has the name of a file of the sweep or of another output;
+/// empty names are none.
 void refuseTakenNames(const std::filesystem::path& sweepDirectory,
                       std::initializer_list<std::filesystem::path> outputs);
 

@@ -4,11 +4,11 @@
 
 #include <cmath>
 #include <opencv2/core.hpp>
-#include <span>
 
 #include "render/FramePlanes.h"
-#include "render/ScenePath.h"
+#include "support/SampleRecord.h"
 #include "support/TestDirectory.h"
+#include "sweep/Steadiness.h"
 #include "terminal/ToolError.h"
 #include "tool/AnalyticSweep.h"
 
@@ -33,7 +33,7 @@ TEST(PanoramaLayout, LaysPicturesAlongTheSmoothedPath) {
     const test_support::TestDirectory directory;
     const Sweep sweep = writtenSweep(directory);
     const auto layout = layOut(sweep.record, playlist(sweep.record),
-                               framesFromScene(AnalyticSweep::measuredPath()));
+                               recordedMotions(AnalyticSweep::measuredPath(), sweep.record));
     EXPECT_EQ(layout.scale, 1);
     EXPECT_EQ(layout.canvas, cv::Size(256 + 72 + 32, 192 + 9));
     ASSERT_EQ(layout.placements.size(), 13u);
@@ -44,32 +44,41 @@ TEST(PanoramaLayout, LaysPicturesAlongTheSmoothedPath) {
     EXPECT_EQ(layout.placements[6].bounds, cv::Rect(56, 5, 256, 192));
 }
 
-TEST(ScenePath, ChainsRotationsAndOffsets) {
-    const double quarter = CV_PI / 2;
-    const SweepRow rows[] = {{}, {{10, 0, quarter}}, {{10, 5, quarter}}};
-    const PicturePoint p = framesFromScene(rows)[2]({3, 1});
-    EXPECT_NEAR(p.x, 9, 1e-6);  // (3, 1) turned is (-1, 3), then moved by (10, 0) and (0, 5).
-    EXPECT_NEAR(p.y, 8, 1e-6);
+// A path turns about a point that is not the picture's corner: (64, 48).
+TEST(PanoramaLayout, LeavesAPictureThatTurnsAboutItsCentreInPlace) {
+    auto record = AnalyticSweep().record();
+    for (auto& matrix : record.renderMat)
+        matrix[6] = matrix[7] = 0;
+    auto rows = AnalyticSweep::measuredPath();
+    const auto turn =
+        SimilarityTransform{.angle = 0.02, .about = {159.5, 119.5}}.takenAbout({64, 48});
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].position = {turn.x * double(i), turn.y * double(i), turn.angle * double(i)};
+    const auto reader = test_support::opened(record);
+    const auto layout = layOut(reader, playlist(reader, false), recordedMotions(rows, reader));
+    for (const Placement& place : layout.placements) {
+        const cv::Point twice = place.bounds.tl() + place.bounds.br();
+        EXPECT_NEAR(twice.x, layout.canvas.width, 3);
+        EXPECT_NEAR(twice.y, layout.canvas.height, 3);
+    }
 }
 
-// The frames' second differences, (-10, 9), (17, -11), (-36, 12), (48, -13), (-29, 1), (13, -2),
-// (-10, 14) and (7, -10), have the mean square 5964 / 8. The pictures lie on a straight line, 1 px
+// The changes of motion of the nine frames, (-10, 9), (17, -11), (-6, 8), (-11, -8), (13, -2),
+// (-10, 14) and (7, -10), have the mean square 1494 / 7. The pictures lie on a straight line, 1 px
 // down a frame, and the border frames at its ends go on level.
-TEST(ScenePath, ComparesTheJumpAtTheBorderFramesWithTheShakeAsRecorded) {
-    const AnalyticSweep sweep{};
-    auto record = sweep.record();
-    const auto jumpOf = [&](bool withBorderFrames) {
-        const auto opened = std::get<RecordReader>(
-            RecordReader::open(std::as_bytes(std::span(&record, std::size_t{1}))));
-        return borderJump(playlist(opened, withBorderFrames),
-                          framesFromScene(AnalyticSweep::measuredPath()), {320, 240});
+TEST(BorderJump, ComparesTheJoinWithTheShakeAsRecorded) {
+    auto record = AnalyticSweep().record();
+    const auto jumpOf = [&] {
+        const auto reader = test_support::opened(record);
+        return borderJump(recordedMotions(AnalyticSweep::measuredPath(), reader), reader);
     };
-    EXPECT_FALSE(jumpOf(false));
-    EXPECT_NEAR(jumpOf(true)->join, 1, 1e-3);
-    EXPECT_NEAR(jumpOf(true)->shake, std::sqrt(5964 / 8.0), 1e-3);
+    EXPECT_NEAR(jumpOf()->join, 1, 1e-3);
+    EXPECT_NEAR(jumpOf()->shake, std::sqrt(1494 / 7.0), 1e-3);
     for (auto& matrix : record.leftBorderMat)
         matrix[6] -= 30'000'000;
-    EXPECT_NEAR(jumpOf(true)->join, std::hypot(30, 1), 1e-3);
+    EXPECT_NEAR(jumpOf()->join, std::hypot(30, 1), 1e-3);
+    record.leftBorderFrames = record.rightBorderFrames = 0;
+    EXPECT_FALSE(jumpOf());
 }
 
 TEST(PanoramaLayout, ScalesALongSweepDownAndRefusesAnAbsurdOne) {
@@ -78,11 +87,11 @@ TEST(PanoramaLayout, ScalesALongSweepDownAndRefusesAnAbsurdOne) {
     const auto shots = playlist(sweep.record, false);
     auto path = AnalyticSweep::measuredPath();
     path.back().position.x = -40000;
-    const auto layout = layOut(sweep.record, shots, framesFromScene(path));
+    const auto layout = layOut(sweep.record, shots, recordedMotions(path, sweep.record));
     EXPECT_EQ(layout.canvas.width, 16384);
     EXPECT_EQ(layout.placements.back().bounds.br().x, 16384);
     path.back().position.x = -1e6;
-    EXPECT_THROW(layOut(sweep.record, shots, framesFromScene(path)), ToolError);
+    EXPECT_THROW(layOut(sweep.record, shots, recordedMotions(path, sweep.record)), ToolError);
 }
 
 TEST(PanoramaCanvas, FadesIntoWhatLiesBelow) {

@@ -4,8 +4,8 @@
 #include <opencv2/imgproc.hpp>
 
 #include "render/FramePlanes.h"
-#include "render/ScenePath.h"
 #include "render/ShotPipeline.h"
+#include "sweep/Steadiness.h"
 
 namespace orbitwalk::tool {
 
@@ -118,9 +118,8 @@ cv::Mat4b PanoramaCanvas::picture() const {
 
 cv::Mat4b panorama(const Sweep& sweep, bool withBorderFrames, int threads,
                    const std::function<void(int)>& progress) {
-    const std::vector<Affine> frames = framesFromScene(sweep);
     const std::vector<Shot> shots = playlist(sweep.record, withBorderFrames);
-    const PanoramaLayout layout = layOut(sweep.record, shots, frames);
+    const PanoramaLayout layout = layOut(sweep.record, shots, recordedMotions(sweep));
     const PieceCutter cutter(sweep, layout);
     PanoramaCanvas canvas(layout.canvas);
     ShotReader reader(sweep, shots);

@@ -30,7 +30,7 @@ class PanoramaCanvas {
 /// The whole sweep as one picture: every shot at its place in the scene, later ones on top;
 /// mirrored where the preview was.
 /// @param progress  told the number of shots painted so far.
-/// @throws ToolError, MediaError: see framesFromScene, layOut and ShotReader.
+/// @throws ToolError, MediaError: see recordedMotions, layOut and ShotReader.
 cv::Mat4b panorama(const Sweep& sweep, bool withBorderFrames, int threads,
                    const std::function<void(int)>& progress);
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "terminal/ToolError.h"
 
@@ -65,12 +66,15 @@ cv::Rect pixelBounds(const Extent& extent, cv::Size canvas) {
 }  // namespace
 
 PanoramaLayout layOut(const RecordReader& record, std::span<const Shot> shots,
-                      std::span<const Affine> frames) {
+                      std::span<const SimilarityTransform> motions) {
     std::vector<Affine> scenesFromPicture;
     Extent scene;
+    Affine sceneFromFrame;
+    int frame = shots.front().frame;
+    auto motion = motions.begin();
     for (const Shot& shot : shots) {
-        // Relative to the first frame shown, so that a roll before the sweep does not tilt it all.
-        const Affine sceneFromFrame = frames[shots.front().frame] * inverse(frames[shot.frame]);
+        if (shot.frame != std::exchange(frame, shot.frame))
+            sceneFromFrame = sceneFromFrame * inverse(affineOf(*++motion));
         scenesFromPicture.push_back(sceneFromFrame * shot.frameFromPicture);
         const Extent own = cropExtent(record.crop(), scenesFromPicture.back());
         include(scene, {own.left, own.top});

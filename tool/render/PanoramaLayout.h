@@ -9,6 +9,11 @@
 
 namespace orbitwalk::tool {
 
+/// Where the pictures of a sweep lie in the scene that they sweep across, whose coordinates are
+/// pixels of the first rendered frame. A frame moves with the picture's motion from frame to frame;
+/// a corrected picture lies where its matrix cuts it from its frame. So the pictures of a sweep lie
+/// along minus the smoothed path, and the same thing lies at the same place in all of them.
+
 /// A picture's place on the canvas.
 struct Placement {
     Shot shot;
@@ -24,9 +29,9 @@ struct PanoramaLayout {
 
 /// Lays the crop rectangle of every shot on a canvas that just holds them all, scaled down where
 /// that would be larger than 16384 pixels a side or 40 million in all.
-/// @param frames  map from the scene to each frame of the record, see framesFromScene.
+/// @param motions  one a rendered frame, see recordedMotions.
 /// @throws ToolError when the canvas would have to be scaled down more than ten times.
 PanoramaLayout layOut(const RecordReader& record, std::span<const Shot> shots,
-                      std::span<const Affine> frames);
+                      std::span<const SimilarityTransform> motions);
 
 }  // namespace orbitwalk::tool

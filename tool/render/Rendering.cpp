@@ -9,10 +9,8 @@
 
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
-#include "orbitwalk/GeometryOpenCV.h"
 #include "render/ContactSheet.h"
 #include "render/Panorama.h"
-#include "render/ScenePath.h"
 #include "sweep/Steadiness.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
@@ -51,8 +49,7 @@ void check(const RenderOptions& options) {
 std::optional<std::string> borderWarning(const Sweep& sweep) {
     if (sweep.path.empty() && !sweep.refinement)
         return std::nullopt;
-    const auto jump =
-        borderJump(playlist(sweep.record, true), framesFromScene(sweep), fromCv(sweep.size()));
+    const auto jump = borderJump(recordedMotions(sweep), sweep.record);
     if (!jump || jump->join <= jump->shake)
         return std::nullopt;
     char text[200];

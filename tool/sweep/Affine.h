@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cmath>
+
+#include "orbitwalk/Geometry.h"
 #include "orbitwalk/RenderMatrix.h"
 
 namespace orbitwalk::tool {
@@ -46,6 +49,19 @@ inline Affine enlargement(double factorX, double factorY) {
 
 inline Affine translation(double x, double y) {
     return {1, 0, x, 0, 1, y};
+}
+
+inline Affine affineOf(const SimilarityTransform& map) {
+    const PicturePoint origin = map({0, 0});
+    const PicturePoint xAxis = map.linear({1, 0});
+    return {xAxis.x, -xAxis.y, origin.x, xAxis.y, xAxis.x, origin.y};
+}
+
+/// @param map  that turns, scales and moves, and does nothing else.
+inline SimilarityTransform similarityOf(const Affine& map, PicturePoint about) {
+    const PicturePoint shift = map(about) - about;
+    return {shift.x, shift.y, std::atan2(map.yx, map.yy), std::log(std::hypot(map.yx, map.yy)),
+            about};
 }
 
 }  // namespace orbitwalk::tool

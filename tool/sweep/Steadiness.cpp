@@ -14,16 +14,28 @@ FrameSize sizeOf(const RecordReader& record) {
     return {record.width(), record.height()};
 }
 
-/// A map of a record, which turns and, where a refinement smoothed the zoom, scales.
-SimilarityTransform similarityOf(const Affine& map, PicturePoint about) {
-    const PicturePoint shift = map(about) - about;
-    return {shift.x, shift.y, std::atan2(map.yx, map.yy), std::log(std::hypot(map.yx, map.yy)),
-            about};
-}
-
 double viewKept(const RecordReader& record) {
     const CropRectangle crop = record.crop();
     return static_cast<double>(crop.width) * crop.height / record.width() / record.height();
+}
+
+/// Of the picture from one shot to the next. @param recorded  one a rendered frame.
+PictureMotions motionsBetween(std::span<const Shot> shots,
+                              std::span<const SimilarityTransform> recorded, PicturePoint centre) {
+    PictureMotions shown;
+    std::size_t frame = 0;
+    for (std::size_t i = 0; i < shots.size(); ++i) {
+        SimilarityTransform motion{.about = centre};
+        if (i > 0) {
+            if (shots[i].frame != shots[i - 1].frame)
+                motion = recorded[++frame];
+            const auto before = similarityOf(shots[i - 1].frameFromPicture, centre);
+            const auto now = similarityOf(shots[i].frameFromPicture, centre);
+            motion = (now.inverse() * (motion * before)).takenAbout(centre);
+        }
+        shown.push_back(motion);
+    }
+    return shown;
 }
 
 }  // namespace
@@ -61,17 +73,30 @@ PictureMotions recordedMotions(std::span<const refine::FrameMotion> motions,
     return std::get<refine::PathPlan>(std::move(plan)).motions;
 }
 
+PictureMotions recordedMotions(const Sweep& sweep) {
+    return sweep.refinement ? recordedMotions(sweep.refinement->motions, sweep.record)
+                            : recordedMotions(requirePath(sweep), sweep.record);
+}
+
 PictureMotions shownMotions(std::span<const SimilarityTransform> recorded,
                             const RecordReader& record) {
-    const PicturePoint centre = frameCentre(sizeOf(record));
-    const std::vector<Shot> shots = playlist(record, false);
-    PictureMotions shown{SimilarityTransform{.about = centre}};
-    for (std::size_t i = 1; i < std::min(shots.size(), recorded.size()); ++i) {
-        const auto before = similarityOf(shots[i - 1].frameFromPicture, centre);
-        const auto now = similarityOf(shots[i].frameFromPicture, centre);
-        shown.push_back((now.inverse() * (recorded[i] * before)).takenAbout(centre));
-    }
-    return shown;
+    return motionsBetween(playlist(record, false), recorded, frameCentre(sizeOf(record)));
+}
+
+std::optional<BorderJump> borderJump(std::span<const SimilarityTransform> recorded,
+                                     const RecordReader& record) {
+    const std::vector<Shot> shots = playlist(record, true);
+    const bool hasBorders =
+        std::ranges::any_of(shots, [](const Shot& shot) { return shot.kind != ShotKind::Sweep; });
+    if (!hasBorders || recorded.size() < 3)
+        return std::nullopt;
+    const PictureMotions shown = motionsBetween(shots, recorded, frameCentre(sizeOf(record)));
+    BorderJump result{.shake = residualOf(recorded).shift()};
+    for (std::size_t i = 1; i + 1 < shown.size(); ++i)
+        if (shots[i - 1].kind != shots[i + 1].kind)
+            result.join = std::max(
+                result.join, std::hypot(shown[i + 1].x - shown[i].x, shown[i + 1].y - shown[i].y));
+    return result;
 }
 
 refine::PathResidual residualOf(std::span<const SimilarityTransform> motions) {

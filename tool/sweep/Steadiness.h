@@ -24,12 +24,27 @@ PictureMotions recordedMotions(std::span<const SweepRow> path, const RecordReade
 PictureMotions recordedMotions(std::span<const refine::FrameMotion> motions,
                                const RecordReader& record);
 
+/// By the motions that the sweep's record was made of. @throws ToolError: see requirePath.
+PictureMotions recordedMotions(const Sweep& sweep);
+
 /// What a viewer of the record's pictures still sees of the motions.
+/// @param recorded  one a frame that the record renders.
 PictureMotions shownMotions(std::span<const SimilarityTransform> recorded,
                             const RecordReader& record);
 
 /// See refine::PathResidual: nothing for fewer than three frames.
 refine::PathResidual residualOf(std::span<const SimilarityTransform> motions);
+
+/// Changes of motion from one picture to the next. Pixels.
+struct BorderJump {
+    double join = 0;   ///< The largest where border frames join the sweep, as shown.
+    double shake = 0;  ///< Of the sweep's frames as recorded, see residualOf.
+};
+
+/// @param recorded  one a frame that the record renders.
+/// @return nothing without border frames, or with fewer than three frames.
+std::optional<BorderJump> borderJump(std::span<const SimilarityTransform> recorded,
+                                     const RecordReader& record);
 
 /// Of a record by the engine's motions. @param path  one row a frame of the record.
 Steadiness steadinessOf(std::span<const SweepRow> path, const RecordReader& record);

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
 
 #include "support/TestDirectory.h"
 #include "support/VideoFile.h"
@@ -170,9 +172,40 @@ TEST_F(RenderCommand, WritesPicturesAndReplacesOnlyItsOwnUnforced) {
     arguments.pop_back();
     const ToolRun again = runTool(arguments);
     ASSERT_EQ(again.exitCode, 0) << again.err;
-    EXPECT_GT(pngSize(panorama).first, 256 + 72) << "the crop's width, and the way";
-    // Six columns and two rows of 320x240, with gaps of 6 and captions of 20 pixels.
-    EXPECT_EQ(pngSize(strip), std::pair(6 * 326 + 6, 2 * 266 + 6));
+    EXPECT_GT(pngSize(panorama).second, 256 + 72) << "the crop's width, and the way";
+    // Six columns and two rows of 240x320, with gaps of 6 and captions of 20 pixels.
+    EXPECT_EQ(pngSize(strip), std::pair(6 * 246 + 6, 2 * 346 + 6));
+}
+
+TEST_F(RenderCommand, WritesPicturesUpright) {
+    const std::string strip = directory / "strip.png", panorama = directory / "panorama.png";
+    const auto picturesOf = [&](int orientation, bool flipped) {
+        changeRecord([&](auto& record) {
+            record.orientation = orientation;
+            record.frontCameraFlipped = flipped;
+        });
+        EXPECT_EQ(render({"--strip", strip, "--panorama", panorama}).exitCode, 0);
+        const cv::Mat sheet = cv::imread(strip);
+        const cv::Size picture = orientation == 0 ? cv::Size(320, 240) : cv::Size(240, 320);
+        return std::pair(cv::Mat(sheet, cv::Rect({6, 26}, picture)).clone(),
+                         cv::imread(panorama, cv::IMREAD_UNCHANGED));
+    };
+    const struct {
+        int orientation;
+        bool flipped;
+        cv::RotateFlags rotation;
+    } cases[] = {{90, false, cv::ROTATE_90_CLOCKWISE},
+                 {270, false, cv::ROTATE_90_COUNTERCLOCKWISE},
+                 {90, true, cv::ROTATE_90_COUNTERCLOCKWISE}};
+    for (const auto& c : cases) {
+        auto [first, whole] = picturesOf(0, c.flipped);
+        cv::rotate(first, first, c.rotation);
+        cv::rotate(whole, whole, c.rotation);
+        const auto [uprightFirst, uprightWhole] = picturesOf(c.orientation, c.flipped);
+        ASSERT_EQ(uprightWhole.size(), whole.size());
+        EXPECT_EQ(cv::norm(uprightFirst, first, cv::NORM_INF), 0);
+        EXPECT_EQ(cv::norm(uprightWhole, whole, cv::NORM_INF), 0);
+    }
 }
 
 TEST_F(RenderCommand, RefusesWhatDoesNotBelongTogetherInOneLineAndLeavesNothing) {

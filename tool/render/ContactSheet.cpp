@@ -45,14 +45,16 @@ std::vector<Shot> sheetShots(const RecordReader& record, int columns) {
 cv::Mat3b contactSheet(const Sweep& sweep, const std::function<void(int)>& progress) {
     const std::vector<Shot> shots = sheetShots(sweep.record, kSheetColumns);
     const cv::Size size = sweep.size();
-    const cv::Size cell = thumbnailSize(size) + cv::Size(kGap, kGap + kCaption);
+    const int rotation = displayRotation(sweep.record);
+    const cv::Size upright = rotation == 0 ? size : cv::Size(size.height, size.width);
+    const cv::Size cell = thumbnailSize(upright) + cv::Size(kGap, kGap + kCaption);
     cv::Mat3b sheet(2 * cell.height + kGap, static_cast<int>(shots.size()) * cell.width + kGap);
     sheet.setTo(kPaper);
     std::vector<std::uint8_t> output(frameBytes(size));
     const auto show = [&](const ShotFrame& shown, const Affine& map, cv::Point corner,
                           const std::string& caption) {
         warpFrame(*shown.frame, size, map, output);
-        putThumbnail(sheet, corner, toBgr(output, size), caption);
+        putThumbnail(sheet, corner, turned(toBgr(output, size), rotation), caption);
     };
     ShotReader reader(sweep, shots);
     cv::Point corner(kGap, kCaption + kGap);

@@ -13,7 +13,8 @@ inline constexpr int kSheetColumns = 6;
 /// frames; all of them where there are fewer.
 std::vector<Shot> sheetShots(const RecordReader& record, int columns);
 
-/// One column a frame: as recorded above, as a player shows it below, each with a caption.
+/// One column a frame: as recorded above, as a player shows it below, both upright and each with a
+/// caption.
 /// @param progress  told the number of frames shown so far.
 /// @throws ToolError, MediaError: see ShotReader.
 cv::Mat3b contactSheet(const Sweep& sweep, const std::function<void(int)>& progress);

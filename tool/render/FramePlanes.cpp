@@ -81,6 +81,15 @@ cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size) {
     return picture;
 }
 
+cv::Mat turned(const cv::Mat& picture, int degrees) {
+    if (degrees == 0)
+        return picture;
+    cv::Mat result;
+    cv::rotate(picture, result,
+               degrees == 90 ? cv::ROTATE_90_CLOCKWISE : cv::ROTATE_90_COUNTERCLOCKWISE);
+    return result;
+}
+
 void warpFrame(std::span<const std::uint8_t> frame, cv::Size size, const Affine& frameFromOutput,
                std::span<std::uint8_t> output) {
     const FramePlanes from = planesOf(frame, size);

@@ -32,6 +32,9 @@ const FramePlanes planesOf(std::span<const std::uint8_t> frame, cv::Size size);
 /// The frame as a picture, by the matrix of its size.
 cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size);
 
+/// A picture turned clockwise by 0, 90 or 270 degrees; see displayRotation.
+cv::Mat turned(const cv::Mat& picture, int degrees);
+
 /// Warps an I420 frame: each output pixel shows the frame at the point that the map gives,
 /// interpolated bicubically and resolved to 1/32 of a sample. Beyond the frame its outermost pixels
 /// go on. (Against the true picture a photograph loses 0.2 to 1.4 dB to an 8 x 8 Lanczos kernel,

@@ -10,6 +10,7 @@
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
 #include "render/ContactSheet.h"
+#include "render/FramePlanes.h"
 #include "render/Panorama.h"
 #include "sweep/Steadiness.h"
 #include "terminal/ProgressBar.h"
@@ -139,8 +140,9 @@ class Rendering {
 
     cv::Mat paintPanorama() const {
         ProgressBar bar("Painting", shots());
-        return panorama(mSweep, mOptions.steady.borderFrames, mOptions.steady.threads,
-                        progressOf(bar));
+        return turned(panorama(mSweep, mOptions.steady.borderFrames, mOptions.steady.threads,
+                               progressOf(bar)),
+                      displayRotation(mSweep.record));
     }
 
     template <typename Make>

@@ -70,13 +70,6 @@ void naming(const std::filesystem::path& file, Step step) {
 
 }  // namespace
 
-int displayRotation(const RecordReader& record) {
-    const int turn = record.orientation();
-    if (turn != 90 && turn != 270)
-        return 0;
-    return record.isFlipped() ? 360 - turn : turn;
-}
-
 SteadyVideo writeSteadyVideo(const Sweep& sweep, const SteadySettings& settings, std::FILE* stream,
                              const std::filesystem::path& name,
                              const std::function<void(int)>& progress) {

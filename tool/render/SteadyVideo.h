@@ -26,11 +26,6 @@ struct SteadyVideo {
     int frames() const { return leftBorderFrames + sweepFrames + rightBorderFrames; }
 };
 
-/// By how much players turn the pictures of a sweep, clockwise, so that they stand upright: 0, 90
-/// or 270 degrees. It is the record's orientation (360 is 0); mirrored pictures turn the other way,
-/// so that they show what the preview did.
-int displayRotation(const RecordReader& record);
-
 /// Plays a sweep into an MP4 as a player would show it. The same sweep and settings give the same
 /// bytes, whatever the number of threads.
 /// @param stream    seekable. @param name  of its file, for complaints.

@@ -32,10 +32,11 @@ std::string jpeg(const cv::Mat3b& picture, int longSide) {
     return {bytes.begin(), bytes.end()};
 }
 
-std::string warpedJpeg(const std::vector<std::uint8_t>& frame, cv::Size size, const Affine& map) {
-    std::vector<std::uint8_t> output(frameBytes(size));
-    warpFrame(frame, size, map, output);
-    return jpeg(toBgr(output, size), kStripSide);
+std::string warpedJpeg(const std::vector<std::uint8_t>& frame, const Sweep& sweep,
+                       const Affine& map) {
+    std::vector<std::uint8_t> output(frameBytes(sweep.size()));
+    warpFrame(frame, sweep.size(), map, output);
+    return jpeg(turned(toBgr(output, sweep.size()), displayRotation(sweep.record)), kStripSide);
 }
 
 }  // namespace
@@ -52,8 +53,8 @@ ReportPictures reportPictures(const Sweep& sweep, int cropFrame,
         const int frame = shown->shot.frame;
         if (chosen.contains(frame))
             pictures.strip.push_back(
-                {frame, warpedJpeg(*shown->frame, sweep.size(), uncorrected(sweep.record)),
-                 warpedJpeg(*shown->frame, sweep.size(), shown->shot.frameFromOutput)});
+                {frame, warpedJpeg(*shown->frame, sweep, uncorrected(sweep.record)),
+                 warpedJpeg(*shown->frame, sweep, shown->shot.frameFromOutput)});
         if (frame == cropFrame)
             pictures.crop = jpeg(toBgr(*shown->frame, sweep.size()), kCropSide);
         progress(++done);

@@ -8,7 +8,7 @@
 
 namespace orbitwalk::tool {
 
-/// A frame as recorded and as a player shows it: JPEG files, small.
+/// A frame as recorded and as a player shows it, both upright: JPEG files, small.
 struct BeforeAfter {
     int frame = 0;
     std::string recorded;

@@ -65,4 +65,11 @@ Affine uncorrected(const RecordReader& record) {
     return record.isFlipped() ? mirror(record.width()) : Affine{};
 }
 
+int displayRotation(const RecordReader& record) {
+    const int turn = record.orientation();
+    if (turn != 90 && turn != 270)
+        return 0;
+    return record.isFlipped() ? 360 - turn : turn;
+}
+
 }  // namespace orbitwalk::tool

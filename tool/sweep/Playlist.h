@@ -31,4 +31,9 @@ Trajectory correctionOf(const Affine& frameFromPicture, FrameSize size);
 /// How a player shows a frame that is not stabilised: whole, mirrored where the preview was.
 Affine uncorrected(const RecordReader& record);
 
+/// By how much players turn the pictures of a sweep, clockwise, so that they stand upright: 0, 90
+/// or 270 degrees. It is the record's orientation (360 is 0); mirrored pictures turn the other way,
+/// so that they show what the preview did.
+int displayRotation(const RecordReader& record);
+
 }  // namespace orbitwalk::tool

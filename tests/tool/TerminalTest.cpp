@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <future>
 
 #include "support/TestDirectory.h"
 #include "sweep/Checksum.h"
@@ -50,6 +51,22 @@ TEST(SignalGuard, EndsTheHashingOfAFile) {
     } catch (const ToolError& error) {
         EXPECT_EQ(error.exitCode(), 128 + SIGTERM);
     }
+}
+
+TEST(SignalGuard, AbandonsWorkThatDoesNotLookForSignals) {
+    const test_support::TestDirectory directory;
+    const auto workForEver = [&] {
+        test_support::writeFile(directory / "finished", "");
+        test_support::writeFile(directory / "part", "");
+        const SignalGuard guard;
+        const Unfinished part(directory / "part");
+        Unfinished(directory / "finished");
+        std::raise(SIGTERM);
+        std::promise<void>().get_future().wait();
+    };
+    EXPECT_EXIT(workForEver(), testing::ExitedWithCode(128 + SIGTERM),
+                "orbitwalk: interrupted .Terminated., nothing was kept");
+    EXPECT_EQ(test_support::namesIn(directory / ""), std::vector<std::string>{"finished"});
 }
 
 TEST(ProgressLine, TellsFramesRateAndTimeLeftAndFits) {

@@ -83,6 +83,7 @@ EngineTempDirectory::EngineTempDirectory() : mFormer(localTmpDir) {
                             std::strerror(errno));
         mLock = lockOwn(mDirectory);
     }
+    mUnfinished.emplace(mDirectory, Unfinished::Removed::WithContent);
     setEngineDirectory(mDirectory + "/engine/");
 }
 

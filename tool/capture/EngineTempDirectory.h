@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
+
+#include "terminal/SignalGuard.h"
 
 namespace orbitwalk::tool {
 
@@ -22,6 +25,7 @@ class EngineTempDirectory {
     std::string mDirectory;
     int mLock = -1;  ///< The directory, opened and locked.
     std::string mFormer;
+    std::optional<Unfinished> mUnfinished;
 };
 
 }  // namespace orbitwalk::tool

@@ -65,9 +65,9 @@ OutputFiles::~OutputFiles() {
         if (!mCommitted)
             fs::remove(file.temporary, ignored);
     }
-    for (const fs::path& made : mMade)
+    for (const auto& made : mMade)
         if (!mCommitted)
-            fs::remove(made, ignored);
+            fs::remove(made.first, ignored);
 }
 
 void OutputFiles::makeDirectory(const fs::path& directory) {
@@ -78,7 +78,7 @@ void OutputFiles::makeDirectory(const fs::path& directory) {
     if (!parent.empty() && fs::status(parent, error).type() == fs::file_type::not_found)
         fail(path, "there is no directory " + parent.string());
     if (fs::create_directory(path, error))
-        mMade.push_back(path);
+        mMade.emplace_back(path, Unfinished(path));
     else if (error && fs::exists(fs::symlink_status(path)))
         throw ToolError(path.string() + " is not a directory");
     else if (error)
@@ -87,10 +87,12 @@ void OutputFiles::makeDirectory(const fs::path& directory) {
 
 std::FILE* OutputFiles::create(const fs::path& file, bool known) {
     const std::string name = file.filename();
+    const fs::path part = file.parent_path() / partName(name);
     File made{.target = file,
-              .temporary = file.parent_path() / partName(name),
+              .temporary = part,
               .former = file.parent_path() / formerName(name),
               .stream = {},
+              .part = Unfinished(part),
               .known = known};
     if (name.empty())
         fail(file, std::strerror(EISDIR));
@@ -119,13 +121,16 @@ void OutputFiles::append(std::FILE* stream, std::span<const char> bytes) {
 
 void OutputFiles::commit() {
     closeAll();
-    try {
-        for (File& file : mFiles)
-            putInPlace(file);
-    } catch (...) {
-        for (File& file : std::views::reverse(mFiles))
-            putBack(file);
-        throw;
+    {
+        const auto whole = Unfinished::keepWhole();
+        try {
+            for (File& file : mFiles)
+                putInPlace(file);
+        } catch (...) {
+            for (File& file : std::views::reverse(mFiles))
+                putBack(file);
+            throw;
+        }
     }
     mCommitted = true;
     std::error_code ignored;

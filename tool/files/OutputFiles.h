@@ -6,9 +6,11 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "files/DirectoryLock.h"
+#include "terminal/SignalGuard.h"
 
 namespace orbitwalk::tool {
 
@@ -52,6 +54,7 @@ class OutputFiles {
         std::filesystem::path temporary;
         std::filesystem::path former;  ///< Second name of the replaced file during commit.
         std::unique_ptr<std::FILE, Closer> stream;
+        Unfinished part;  ///< At temporary.
         bool known = false;
         bool replaces = false;  ///< A file stood at target and has its former name.
         bool placed = false;    ///< The new file stands at target.
@@ -63,7 +66,7 @@ class OutputFiles {
     void putBack(File& file) noexcept;
 
     bool mForce;
-    std::vector<std::filesystem::path> mMade;  ///< Directories.
+    std::vector<std::pair<std::filesystem::path, Unfinished>> mMade;  ///< Directories.
     std::map<std::filesystem::path, DirectoryLock> mLocks;
     std::vector<File> mFiles;
     bool mCommitted = false;

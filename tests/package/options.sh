@@ -27,7 +27,7 @@ grep -qE '^(orbitwalk:|lib(OrbitwalkPlatform|OrbitwalkMP4Writer|OrbitwalkRefine)
 
 configure tool -DORBITWALK_WEB_DIST="$pages" || fail "Given pages are not taken."
 grep -qE 'npm (ci|run)' "$work/tool/build.ninja" && fail "The tool wants npm beside given pages."
-cmake --build "$work/tool" --target orbitwalk_player_assets orbitwalk_report_assets >"$work/assets.log" || fail "Given pages are not built in."
+cmake --build "$work/tool" --target orbitwalk_page_assets >"$work/assets.log" || fail "Given pages are not built in."
 
 # In the same tree, where compilers and libraries are known already.
 configure tool -DORBITWALK_BUILD_REFINE=OFF || fail "Without refine nothing is built."

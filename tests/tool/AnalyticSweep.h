@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "orbitwalk/MetaData.h"
-#include "sweep/SweepCsv.h"
+#include "sweep/Tables.h"
 
 /// A scene that is a smooth function of the place, and a sweep across it: everything that a
 /// renderer makes of it can be told by evaluating the function.

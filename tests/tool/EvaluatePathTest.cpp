@@ -4,7 +4,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "evaluate/PathError.h"
 #include "evaluate/SweepFacts.h"
 #include "support/SampleRecord.h"
 

@@ -54,7 +54,7 @@ TEST(PanoramaLayout, LeavesAPictureThatTurnsAboutItsCentreInPlace) {
         SimilarityTransform{.angle = 0.02, .about = {159.5, 119.5}}.takenAbout({64, 48});
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i].position = {turn.x * double(i), turn.y * double(i), turn.angle * double(i)};
-    const auto reader = test_support::opened(record);
+    const auto reader = opened(record);
     const auto layout = layOut(reader, playlist(reader, false), recordedMotions(rows, reader));
     for (const Placement& place : layout.placements) {
         const cv::Point twice = place.bounds.tl() + place.bounds.br();
@@ -69,7 +69,7 @@ TEST(PanoramaLayout, LeavesAPictureThatTurnsAboutItsCentreInPlace) {
 TEST(BorderJump, ComparesTheJoinWithTheShakeAsRecorded) {
     auto record = AnalyticSweep().record();
     const auto jumpOf = [&] {
-        const auto reader = test_support::opened(record);
+        const auto reader = opened(record);
         return borderJump(recordedMotions(AnalyticSweep::measuredPath(), reader), reader);
     };
     EXPECT_NEAR(jumpOf()->join, 1, 1e-3);

@@ -7,9 +7,8 @@
 
 #include "orbitwalk/RecordReader.h"
 #include "support/TestDirectory.h"
-#include "sweep/MotionCsv.h"
 #include "sweep/Sweep.h"
-#include "sweep/TruthCsv.h"
+#include "sweep/Tables.h"
 #include "terminal/ToolError.h"
 #include "tool/PanVideo.h"
 #include "tool/RunTool.h"

@@ -7,7 +7,7 @@
 
 #include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/Resampler.h"
-#include "simulate/TexturedScene.h"
+#include "simulate/ScenePicture.h"
 
 namespace orbitwalk::tool {
 namespace {

@@ -11,7 +11,7 @@
 #include "sweep/Checksum.h"
 #include "sweep/SmoothedPath.h"
 #include "sweep/Sweep.h"
-#include "sweep/TruthCsv.h"
+#include "sweep/Tables.h"
 #include "terminal/ToolError.h"
 #include "tool/AnalyticSweep.h"
 #include "tool/PanVideo.h"

@@ -1,4 +1,3 @@
-#include "simulate/TrueMotion.h"
 
 #include <gtest/gtest.h>
 

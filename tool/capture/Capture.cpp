@@ -11,11 +11,10 @@
 #include "files/OwnFiles.h"
 #include "sweep/Checksum.h"
 #include "sweep/Steadiness.h"
-#include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
+#include "sweep/Tables.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
-#include "terminal/Stopwatch.h"
 #include "terminal/ToolError.h"
 
 namespace fs = std::filesystem;
@@ -139,7 +138,7 @@ SessionResult runSession(const CaptureOptions& options, media::VideoReader& vide
     const Feed feed = feedAll(options, video, session, summary.seconds, measurer);
     const SweepSelection selection =
         selectRange(options.range, feed.path, orientation, options.frontCameraFlipped);
-    ProgressBar bar("finishing", 100);
+    ProgressBar bar("Finishing", 100);
     const auto& record =
         session.finish(feed.path, selection, [&](int percent) { bar.update(percent); });
     const std::set<int> repeated = session.repeatedFrames();

@@ -45,7 +45,7 @@ std::future<void> begin(const BesideEngine& work, std::span<const std::uint8_t> 
 
 Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds,
                const BesideEngine& besideEngine) {
-    ProgressBar bar("capturing", std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES));
+    ProgressBar bar("Capturing", std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES));
     const Pace pace(video.frameRate());
     Feed feed;
     std::vector<std::uint8_t> frame;

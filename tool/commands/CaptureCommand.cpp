@@ -9,7 +9,6 @@
 #include "capture/Capture.h"
 #include "capture/Notes.h"
 #include "commands/Commands.h"
-#include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
 #include "terminal/ToolError.h"
 

@@ -1,4 +1,5 @@
 #include "commands/Commands.h"
+#include "terminal/Print.h"
 
 namespace orbitwalk::tool {
 
@@ -16,6 +17,24 @@ std::unique_ptr<CLI::App> commandLine() {
     addReportCommand(*app);
     addRefineCommand(*app);
     return app;
+}
+
+void addCommonOptions(CLI::App& command, CommonOptions& options, Writes writes) {
+    command.add_flag("--json", options.json, "Print the result as JSON");
+    command
+        .add_flag("-q,--quiet", options.quiet,
+                  "Print no progress, no notes and no text; warnings, errors and JSON stay")
+        ->each([](const std::string& value) { setQuiet(value == "true"); });
+    if (writes == Writes::Files)
+        command.add_flag("--force", options.force,
+                         "Replace files that orbitwalk did not write, too");
+}
+
+void printSummary(const CommonOptions& options, const std::string& json, const std::string& text) {
+    if (options.json)
+        printOut(json);
+    else if (!isQuiet())
+        printOut(text);
 }
 
 }  // namespace orbitwalk::tool

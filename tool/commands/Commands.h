@@ -2,10 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <string>
 
-/// One function a command, each in a source file of its own: it declares the command and its
-/// options, and sets the callback that runs it. A callback reports failure by throwing ToolError or
-/// MediaError.
+/// One function a command: it declares the command and its options, and sets the callback that runs
+/// it. A callback reports failure by throwing ToolError or MediaError.
 namespace orbitwalk::tool {
 
 inline constexpr char kRefinedHelp[] = "Take the record of orbitwalk refine, not the engine's";
@@ -21,5 +21,22 @@ void addRefineCommand(CLI::App& app);
 
 /// The program's whole command line.
 std::unique_ptr<CLI::App> commandLine();
+
+/// What every command has.
+struct CommonOptions {
+    bool json = false;   ///< The summary on stdout is JSON.
+    bool quiet = false;  ///< See isQuiet, which parsing sets as well.
+    bool force = false;  ///< Files that the tool did not write may be replaced.
+};
+
+enum class Writes { Nothing, Files };
+
+/// Declares --json, --quiet and, for a command that writes files, --force.
+/// @param options  outlives the command.
+void addCommonOptions(CLI::App& command, CommonOptions& options, Writes writes);
+
+/// A command's result on stdout: the JSON where it was asked for, else the text unless quiet.
+/// @throws ToolError: see printOut.
+void printSummary(const CommonOptions& options, const std::string& json, const std::string& text);
 
 }  // namespace orbitwalk::tool

@@ -3,7 +3,6 @@
 
 #include "commands/Commands.h"
 #include "evaluate/Evaluation.h"
-#include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
 
 namespace orbitwalk::tool {

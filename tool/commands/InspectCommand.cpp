@@ -3,7 +3,6 @@
 
 #include "commands/Commands.h"
 #include "inspect/RecordFormats.h"
-#include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
 
 namespace orbitwalk::tool {

@@ -4,7 +4,6 @@
 #include "commands/Commands.h"
 #include "refine/Refinement.h"
 #include "sweep/Steadiness.h"
-#include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
 
 namespace orbitwalk::tool {

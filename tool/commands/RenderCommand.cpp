@@ -2,7 +2,6 @@
 
 #include "commands/Commands.h"
 #include "render/Rendering.h"
-#include "terminal/CommonOptions.h"
 #include "terminal/Print.h"
 
 namespace orbitwalk::tool {

@@ -4,7 +4,6 @@
 
 #include "commands/Commands.h"
 #include "simulate/SimulatedClip.h"
-#include "terminal/CommonOptions.h"
 #include "terminal/ToolError.h"
 
 extern "C" {

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <numbers>
 
-#include "evaluate/LumaVideo.h"
 #include "sweep/Playlist.h"
 #include "sweep/Steadiness.h"
 #include "sweep/Sweep.h"
-#include "sweep/TruthCsv.h"
+#include "sweep/Tables.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"

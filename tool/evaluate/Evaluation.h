@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "evaluate/PathError.h"
 #include "evaluate/SweepFacts.h"
 #include "evaluate/VideoQuality.h"
 #include "sweep/Verdict.h"

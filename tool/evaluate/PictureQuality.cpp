@@ -6,13 +6,11 @@
 #include <set>
 #include <vector>
 
+#include "render/FramePlanes.h"
+
 namespace orbitwalk::tool {
 
 namespace {
-
-cv::Matx23d matrixOf(const Affine& m) {
-    return {m.xx, m.xy, m.x0, m.yx, m.yy, m.y0};
-}
 
 double gradientRms(const cv::Mat1b& picture, const cv::Mat1b& mask) {
     cv::Mat1f dx, dy;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "evaluate/PictureTracker.h"
+#include "evaluate/Registration.h"
 
 namespace orbitwalk::tool {
 

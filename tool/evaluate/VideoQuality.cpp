@@ -4,7 +4,6 @@
 #include <opencv2/core.hpp>
 #include <string>
 
-#include "evaluate/LumaVideo.h"
 #include "evaluate/PictureQuality.h"
 #include "evaluate/Registration.h"
 #include "sweep/Sweep.h"
@@ -115,6 +114,21 @@ class Comparison {
 };
 
 }  // namespace
+
+LumaVideo::LumaVideo(const std::filesystem::path& file, bool mirrored)
+    : mVideo(file), mMirrored(mirrored) {}
+
+bool LumaVideo::next() {
+    if (!mVideo.read(mPixels))
+        return false;
+    const cv::Mat1b luma(mVideo.height(), mVideo.width(), mPixels.data());
+    if (mMirrored)
+        cv::flip(luma, mLuma, 1);
+    else
+        mLuma = luma;
+    ++mFramesRead;
+    return true;
+}
 
 VideoQuality judgeVideo(const std::filesystem::path& video, const std::optional<Source>& source,
                         const std::function<void(int)>& progress) {

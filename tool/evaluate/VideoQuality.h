@@ -3,13 +3,37 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <opencv2/core/types.hpp>
+#include <opencv2/core/mat.hpp>
 #include <optional>
 #include <vector>
 
 #include "evaluate/ResidualMotion.h"
+#include "media/VideoReader.h"
 
 namespace orbitwalk::tool {
+
+/// Brightness of a video's frames, one after the other. One thread at a time.
+class LumaVideo {
+  public:
+    /// @param mirrored  give the frames left to right.
+    /// @throws MediaError, as all of it.
+    explicit LumaVideo(const std::filesystem::path& file, bool mirrored = false);
+
+    cv::Size size() const { return {mVideo.width(), mVideo.height()}; }
+    std::int64_t expectedFrames() const { return mVideo.expectedFrames(); }
+    /// Decodes the next frame. @return false at the end.
+    bool next();
+    /// The last one decoded; overwritten by the next.
+    const cv::Mat1b& frame() const { return mLuma; }
+    int framesRead() const { return mFramesRead; }
+
+  private:
+    media::VideoReader mVideo;
+    bool mMirrored;
+    std::vector<std::uint8_t> mPixels;
+    cv::Mat1b mLuma;
+    int mFramesRead = 0;
+};
 
 /// What a stabilised video made of the frames that it shows.
 struct SourceComparison {

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "files/Descriptor.h"
+#include "files/TextFile.h"
 
 namespace orbitwalk::tool {
 

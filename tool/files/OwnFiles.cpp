@@ -12,7 +12,6 @@
 #include <string>
 #include <variant>
 
-#include "files/Descriptor.h"
 #include "files/TextFile.h"
 #include "media/VideoWriter.h"
 #include "orbitwalk/RecordReader.h"

@@ -10,7 +10,6 @@
 #include <cstring>
 #include <span>
 
-#include "files/Descriptor.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
 

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "orbitwalk/RecordReader.h"
 
@@ -18,6 +21,30 @@ struct InspectedRecord {
 /// @param refined  the record of the refinement in the directory.
 /// @throws UsageError when a file alone is to be refined; ToolError in one line.
 InspectedRecord openInspected(const std::filesystem::path& path, bool refined);
+
+/// A matrix of the record as people read it: the correction that it stands for.
+struct MatrixEntry {
+    int index;
+    double dx;                          ///< Where the output picture puts the frame's point (0, 0),
+    double dy;                          ///< in pixels, y down.
+    double angle;                       ///< Radians, positive from x to y.
+    std::array<std::int32_t, 9> fixed;  ///< As written, row-major, times 1000000.
+};
+
+struct FrameEntry {
+    MatrixEntry matrix;
+    std::int32_t flag;
+    bool rendered;
+    double displacement;  ///< Pixels along the sweep.
+};
+
+struct RecordEntries {
+    std::vector<MatrixEntry> left;
+    std::vector<FrameEntry> frames;
+    std::vector<MatrixEntry> right;
+};
+
+RecordEntries listEntries(const RecordReader& record);
 
 /// For people, angles in degrees: the header with the codes' names, then a line a matrix.
 /// @param withFixed  adds the nine fixed-point elements to each line.

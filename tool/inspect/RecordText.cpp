@@ -4,7 +4,6 @@
 #include <numbers>
 #include <sstream>
 
-#include "inspect/RecordEntries.h"
 #include "inspect/RecordFormats.h"
 #include "sweep/RecordFacts.h"
 

@@ -3,8 +3,8 @@
 #include <map>
 
 #include "files/OwnFiles.h"
+#include "files/PageAssets.h"
 #include "files/PageText.h"
-#include "player/PlayerAssets.h"
 
 namespace orbitwalk::tool {
 

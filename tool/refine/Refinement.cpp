@@ -11,7 +11,6 @@
 #include "sweep/Checksum.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
-#include "terminal/Stopwatch.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -38,7 +37,7 @@ MeasuredMotions motionsOf(const Sweep& sweep) {
     const RecordReader& record = sweep.record;
     const Stopwatch watch;
     const fs::path video = videoToMeasure(sweep);
-    ProgressBar bar("measuring", record.frameCount());
+    ProgressBar bar("Measuring", record.frameCount());
     auto motions = measureVideo(video, {record.width(), record.height()}, 0, record.frameCount(),
                                 [&](int done) {
                                     bar.update(done);

@@ -11,11 +11,9 @@ namespace orbitwalk::tool {
 namespace {
 
 cv::Mat1b fullSize(const cv::Mat1b& colour, cv::Size size) {
-    const Affine map = inverse(kLumaFromColour);
-    const cv::Matx23d matrix(map.xx, map.xy, map.x0, map.yx, map.yy, map.y0);
     cv::Mat1b enlarged;
-    cv::warpAffine(colour, enlarged, matrix, size, cv::INTER_LINEAR | cv::WARP_INVERSE_MAP,
-                   cv::BORDER_REPLICATE);
+    cv::warpAffine(colour, enlarged, matrixOf(inverse(kLumaFromColour)), size,
+                   cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
     return enlarged;
 }
 
@@ -41,9 +39,8 @@ cv::Matx34f bgrFromVideo(float kr, float kb) {
 }
 
 void warpPlane(const cv::Mat1b& frame, const Affine& map, cv::Mat1b output) {
-    const cv::Matx23d matrix(map.xx, map.xy, map.x0, map.yx, map.yy, map.y0);
-    cv::warpAffine(frame, output, matrix, output.size(), cv::INTER_CUBIC | cv::WARP_INVERSE_MAP,
-                   cv::BORDER_REPLICATE);
+    cv::warpAffine(frame, output, matrixOf(map), output.size(),
+                   cv::INTER_CUBIC | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
 }
 
 bool isMissing(PicturePoint p, cv::Size size) {
@@ -67,6 +64,10 @@ FramePlanes planesOf(std::span<std::uint8_t> frame, cv::Size size) {
 
 const FramePlanes planesOf(std::span<const std::uint8_t> frame, cv::Size size) {
     return planesOf(std::span(const_cast<std::uint8_t*>(frame.data()), frame.size()), size);
+}
+
+cv::Matx23d matrixOf(const Affine& map) {
+    return {map.xx, map.xy, map.x0, map.yx, map.yy, map.y0};
 }
 
 cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size) {

@@ -29,6 +29,9 @@ FramePlanes planesOf(std::span<std::uint8_t> frame, cv::Size size);
 /// The same, for reading only.
 const FramePlanes planesOf(std::span<const std::uint8_t> frame, cv::Size size);
 
+/// The map as OpenCV takes it.
+cv::Matx23d matrixOf(const Affine& map);
+
 /// The frame as a picture, by the matrix of its size.
 cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size);
 

@@ -32,10 +32,6 @@ cv::Mat1b cropWeight(cv::Size frame, const CropRectangle& crop) {
     return weight;
 }
 
-cv::Matx23d matrixOf(const Affine& map) {
-    return {map.xx, map.xy, map.x0, map.yx, map.yy, map.y0};
-}
-
 /// A picture shrunk to the canvas's scale, so that the warp afterwards only moves and turns it.
 template <typename Picture>
 Picture shrunk(const Picture& picture, cv::Size size) {

@@ -1,4 +1,4 @@
-#include "render/RenderSummary.h"
+#include "render/Rendering.h"
 
 #include <cstdio>
 #include <nlohmann/json.hpp>

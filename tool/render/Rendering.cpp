@@ -15,7 +15,6 @@
 #include "sweep/Steadiness.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
-#include "terminal/Stopwatch.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {

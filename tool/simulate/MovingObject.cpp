@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "orbitwalk/GeometryOpenCV.h"
-#include "simulate/RandomStream.h"
+#include "simulate/ScenePicture.h"
 #include "simulate/ShakyPath.h"
-#include "simulate/TexturedScene.h"
+#include "simulate/SimulationSettings.h"
 
 namespace orbitwalk::tool {
 

@@ -5,10 +5,14 @@
 #include <vector>
 
 #include "simulate/SimulationSettings.h"
-#include "simulate/TrueMotion.h"
+#include "sweep/Tables.h"
 
-/// Where a hand that sweeps takes the camera.
+/// Where a hand that sweeps takes the camera, and what a perfect measurement of it would find.
 namespace orbitwalk::tool {
+
+/// The camera over the scene, which it sees one to one: the point of the scene at the frame's
+/// centre, and the turn of the frame against the scene.
+using CameraPose = Trajectory;
 
 /// How far a hand goes at most, and how large its tremor is for a drift of one.
 struct ShakeStrength {
@@ -31,5 +35,12 @@ std::vector<CameraPose> cameraPath(const SimulationSettings& settings);
 
 /// Smallest upright rectangle of the scene that holds every frame of the path.
 cv::Rect2d sceneExtent(std::span<const CameraPose> poses, FrameSize size);
+
+/// Exact motion of the picture between two poses, in the sense of the engine: the rigid map
+/// p' = R(a) p + (x, y) of the picture's points, with its origin at measuringOrigin.
+Trajectory motionBetween(const CameraPose& previous, const CameraPose& current, FrameSize size);
+
+/// One row a pose; the first is zero.
+std::vector<TrueMotion> trueMotions(std::span<const CameraPose> poses, FrameSize size);
 
 }  // namespace orbitwalk::tool

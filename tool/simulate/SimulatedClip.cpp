@@ -7,15 +7,14 @@
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
 #include "media/VideoWriter.h"
-#include "simulate/Photo.h"
+#include "simulate/ScenePicture.h"
 #include "simulate/Simulation.h"
 #include "sweep/Summary.h"
 #include "sweep/SweepFiles.h"
-#include "sweep/TruthCsv.h"
+#include "sweep/Tables.h"
 #include "terminal/Print.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
-#include "terminal/Stopwatch.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {

@@ -5,9 +5,9 @@
 #include <opencv2/imgproc.hpp>
 
 #include "orbitwalk/GeometryOpenCV.h"
-#include "simulate/RandomStream.h"
-#include "simulate/Sensor.h"
-#include "simulate/TexturedScene.h"
+#include "simulate/ColourPlanes.h"
+#include "simulate/ScenePicture.h"
+#include "simulate/SimulationSettings.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {

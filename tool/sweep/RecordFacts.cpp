@@ -76,4 +76,10 @@ const char* keyOf(Smoothing smoothing) {
                                                   : "smoothed";
 }
 
+const char* keyOf(OBWDirection direction) {
+    return direction == OBW_DIRECTION_LEFT2RIGHT   ? "left2right"
+           : direction == OBW_DIRECTION_RIGHT2LEFT ? "right2left"
+                                                   : "vertical";
+}
+
 }  // namespace orbitwalk::tool

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "orbitwalk/Engine.h"
 #include "orbitwalk/MetaData.h"
 
 namespace orbitwalk::tool {
@@ -28,5 +29,7 @@ int renderedFrames(const __kelOBWKDXMetaData& record);
 /// In words, and as a word of JSON.
 const char* wordsOf(Smoothing smoothing);
 const char* keyOf(Smoothing smoothing);
+/// The same for the direction of a capture; "vertical" for either way up or down.
+const char* keyOf(OBWDirection direction);
 
 }  // namespace orbitwalk::tool

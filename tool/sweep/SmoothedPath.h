@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "sweep/SweepCsv.h"
+#include "sweep/Tables.h"
 
 namespace orbitwalk::tool {
 

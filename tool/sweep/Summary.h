@@ -11,8 +11,8 @@
 #include "orbitwalk/Engine.h"
 #include "orbitwalk/Geometry.h"
 #include "sweep/RecordFacts.h"
-#include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
+#include "sweep/Tables.h"
 #include "sweep/Verdict.h"
 
 /// sweep.json: what a capture came to, and which files belong to it.

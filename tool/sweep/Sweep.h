@@ -7,11 +7,10 @@
 #include <vector>
 
 #include "orbitwalk/RecordReader.h"
-#include "sweep/MotionCsv.h"
 #include "sweep/RefinedSummary.h"
 #include "sweep/Summary.h"
-#include "sweep/SweepCsv.h"
 #include "sweep/SweepFiles.h"
+#include "sweep/Tables.h"
 
 namespace orbitwalk::tool {
 

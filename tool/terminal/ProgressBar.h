@@ -35,4 +35,15 @@ class ProgressBar {
     Clock::time_point mLastDraw{};
 };
 
+/// Wall-clock time since it was made.
+class Stopwatch {
+  public:
+    double seconds() const {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
+    }
+
+  private:
+    const std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
+};
+
 }  // namespace orbitwalk::tool

@@ -15,7 +15,7 @@ namespace orbitwalk::tool {
 namespace {
 
 /// Until a process is abandoned: what commands that look for signals need to clean up.
-constexpr std::chrono::milliseconds kPatience{600};
+constexpr std::chrono::milliseconds kPatience{500};
 
 std::atomic<int> caughtSignal = 0;
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler writes it");

@@ -20,7 +20,7 @@ inline constexpr int kSignalPollMilliseconds = 100;
 /// kSignalPollMilliseconds at a time and look at received() in between.
 ///
 /// Work that cannot look, such as a library's encoding of a large picture, is abandoned: where the
-/// guard still lives two thirds of a second after the signal, a thread of its own removes the
+/// guard still lives half a second after the signal, a thread of its own removes the
 /// Unfinished paths, says that the command was interrupted and ends the process with the exit code
 /// 128 + signal. One at a time in a process, on the main thread.
 class SignalGuard {

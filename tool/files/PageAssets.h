@@ -2,8 +2,11 @@
 
 #include <string_view>
 
-/// The files of the page as they were built in.
+/// The files of the player's page and the report's, as they were built in.
 namespace orbitwalk::tool::assets {
+
+extern const std::string_view kPlayerPage;    ///< web/player/page.html
+extern const std::string_view kPlayerScript;  ///< The player, its record reader and its demuxer.
 
 extern const std::string_view kPage;         ///< web/report/page.html
 extern const std::string_view kStyle;        ///< its style, with uPlot's

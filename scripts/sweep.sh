@@ -29,19 +29,20 @@ install_packages "${packages_build[@]}" "${packages_demo[@]}"
 cmake --build build/release --target orbitwalk
 tool=$PWD/build/release/orbitwalk
 
-mkdir -p out
+out=$PWD/out
+mkdir -p "$out"
 if [ -z "$video" ]; then
-    video=out/clip.mp4
+    video=$out/clip.mp4
     "$tool" simulate /usr/share/backgrounds/picosdeeuropa_by_Aitzol_Berasategi.jpg \
-        -o "$video" --truth out/truth.csv
+        -o "$video" --truth "$out/truth.csv"
 fi
-"$tool" capture "$video" -o out/sweep
-"$tool" player out/sweep -o out/sweep/sweep.html
+"$tool" capture "$video" -o "$out/sweep"
+"$tool" player "$out/sweep" -o "$out/sweep/sweep.html"
 
 cat <<END
 
-out/sweep/sweep.html plays the sweep in a browser. The tool is $tool. Next:
-  $tool render out/sweep -o out/steady.mp4
-  $tool report out/sweep -o out/report.html
-  $tool evaluate out/sweep
+$out/sweep/sweep.html plays the sweep in a browser. The tool is $tool. Next:
+  $tool render $out/sweep -o $out/steady.mp4
+  $tool report $out/sweep -o $out/report.html
+  $tool evaluate $out/sweep
 END

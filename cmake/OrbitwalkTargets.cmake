@@ -94,9 +94,9 @@ function(orbitwalk_test name)
     if(ARG_DEPENDS)
         add_dependencies(${name} ${ARG_DEPENDS})
     endif()
+    # Test code takes long to optimise and little to run.
+    target_compile_options(${name} PRIVATE -O0)
     if(ORBITWALK_SANITIZE)
-        # Instrumented test code takes long to optimise and little to run.
-        target_compile_options(${name} PRIVATE -O0)
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(${name} PROPERTIES TIMEOUT 1800)
     else()

@@ -45,7 +45,8 @@ for line in table.splitlines():
 open('worked.obw', 'wb').write(record)
 PY
 for program in "$built/where_goes" "python3 $sources/record/where_goes.py"; do
-    $program worked.obw 0 100 50 | grep -qF 'shows frame (104.400, -10.800)' ||
+    $program worked.obw 0 100 50 >worked.txt
+    grep -qF 'shows frame (104.400, -10.800)' worked.txt ||
         { echo "$program: not what the docs work out"; exit 1; }
 done
 for program in "$built/where_goes" "python3 $sources/record/where_goes.py"; do

@@ -1,4 +1,5 @@
-// Something of each installed library: a sweep refined and read, a frame encoded and its line of the log.
+// Something of each installed library: a sweep refined and read, a frame encoded and its line of
+// the log.
 #include <MP4Writer.h>
 #include <OrbitwalkPlatform.h>
 #include <orbitwalk/Engine.h>
@@ -54,6 +55,7 @@ int main() {
     DeInitMP4Engine();
 
     std::vector<cv::Mat> pyramid;
-    NURV::buildOpticalFlowPyramid(cv::Mat(240, 320, CV_8UC1, cv::Scalar(0)), pyramid, {21, 21}, 1, false);
+    NURV::buildOpticalFlowPyramid(cv::Mat(240, 320, CV_8UC1, cv::Scalar(0)), pyramid, {21, 21}, 1,
+                                  false);
     std::printf("pyramid of %zu pictures\n", pyramid.size());
 }

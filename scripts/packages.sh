@@ -1,21 +1,23 @@
 # The Debian 12 packages that the project needs, sourced by the scripts beside it.
 
-packages_build=(
-    g++ cmake ninja-build pkg-config git
+packages_libraries=(
     libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev libopencv-imgcodecs-dev
     libopencv-calib3d-dev
     libavcodec-dev libavfilter-dev libavformat-dev libavutil-dev libswscale-dev
     libspdlog-dev libcli11-dev nlohmann-json3-dev libtbb-dev libeigen3-dev
-    npm
 )
+packages_build=(g++ cmake ninja-build pkg-config git npm "${packages_libraries[@]}")
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)
-packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils lld chromium ffmpeg man-db zsh fish
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils python3 lld chromium ffmpeg man-db zsh fish
     android-liblog-dev openjdk-17-jdk-headless)
 # For bench/quality, bench/measure_speed and bench/plan_check.
 packages_bench=(ffmpeg lomiri-wallpapers-16.04 python3-cvxopt)
 packages_package=(debootstrap dpkg-dev file lintian)
 packages_clang=(clang libclang-rt-14-dev)
+# To build for another machine and run what was built; what it is built with is unpacked beside it (sysroot.sh).
+packages_arm64=(g++-aarch64-linux-gnu qemu-user)
+packages_sysroot=(libc6-dev libstdc++-12-dev libgtest-dev libgmock-dev "${packages_libraries[@]}")
 
 # is_there NAME: the package is installed, or the command npm for the package of that name: Node.js from another
 # source brings an npm of its own, and Debian's cannot be installed beside it.

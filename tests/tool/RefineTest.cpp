@@ -160,7 +160,7 @@ TEST_F(Refined, SaysWhatCouldNotBeMeasured) {
     // Each frame shows another place.
     test_support::writePanVideo(own / "cuts.mp4", {.frames = 3, .stepX = 2000});
     const ToolRun both = run({"capture", own / "cuts.mp4", "-o", own / "cuts", "--refine"});
-    EXPECT_THAT(both.err, HasSubstr("warning: the refined sweep is not steadier"));
+    EXPECT_THAT(both.err, HasSubstr("warning: refined: Not steadier than recorded"));
 }
 
 TEST_F(Refined, RefusesInOneLineAndLeavesNothingHalfWritten) {

@@ -44,7 +44,7 @@ std::optional<std::chrono::microseconds> timeOf(const char* option, const std::s
 std::string withRefined(const std::string& summary, const RefinedSummary& refined) {
     auto json = nlohmann::ordered_json::parse(summary);
     json["refined"] = toJson(refined);
-    return json.dump(2) + "\n";
+    return jsonText(json);
 }
 
 void run(CaptureArguments arguments) {
@@ -68,13 +68,14 @@ void run(CaptureArguments arguments) {
         printNote(note);
     for (const std::string& warning : warningsOf(summary, video))
         printWarning(warning);
-    if (const auto warning = refined ? unmeasuredWarning(*refined) : std::nullopt)
-        printWarning(*warning);
-    if (refined)
+    if (refined) {
+        for (const std::string& warning : warningsOn(steadinessOf(*refined)))
+            printWarning("refined: " + warning);
         printSummary(arguments.common, withRefined(toJsonText(summary), *refined),
                      toText(summary) + toText(*refined));
-    else
+    } else {
         printSummary(arguments.common, toJsonText(summary), toText(summary));
+    }
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ void run(const EvaluateArguments& arguments) {
     const Evaluation evaluation = evaluate(arguments.evaluate);
     for (const std::string& warning : evaluation.warnings)
         printWarning(warning);
-    printSummary(arguments.common, toJson(evaluation).dump(2) + "\n", toText(evaluation));
+    printSummary(arguments.common, jsonText(toJson(evaluation)), toText(evaluation));
 }
 
 }  // namespace

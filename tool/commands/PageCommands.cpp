@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "commands/Commands.h"
 #include "files/OutputFiles.h"
@@ -33,6 +34,7 @@ struct PageOptions {
 
 struct Page {
     std::string html;
+    int frames = 0;
     std::optional<Verdict> verdict;  ///< Told where the page tells it.
 };
 
@@ -47,7 +49,9 @@ std::string recordOf(const Sweep& sweep) {
 Page playerOf(const Sweep& sweep) {
     const std::string name =
         sweep.summary ? fs::path(sweep.summary->video).filename().string() : "";
-    return {playerPage(name.empty() ? "Sweep" : name, videoOf(sweep), recordOf(sweep)), {}};
+    return {playerPage(name.empty() ? "Sweep" : name, videoOf(sweep), recordOf(sweep)),
+            sweep.record.frameCount(),
+            {}};
 }
 
 Page reportOn(const Sweep& sweep) {
@@ -58,27 +62,24 @@ Page reportOn(const Sweep& sweep) {
         SignalGuard::check();
     });
     return {reportPage({reportJson(data, pictures), videoOf(sweep), recordOf(sweep)}),
-            verdictOn(data.steadiness)};
+            sweep.record.frameCount(), verdictOn(data.steadiness)};
 }
 
-void printPage(const char* command, const char* what, const PageOptions& options, int frames,
+/// @param what  what the page is, before the number of frames.
+void printPage(const char* command, const char* what, const PageOptions& options,
                const Page& page) {
-    nlohmann::ordered_json json{{command, options.page.string()}, {"frames", frames}};
+    nlohmann::ordered_json json{{command, options.page.string()}, {"frames", page.frames}};
     if (page.verdict)
         json["verdict"] = toJson(*page.verdict);
     json["bytes"] = page.html.size();
     char facts[80];
-    std::snprintf(facts, sizeof facts, ": %s %d frames, %.1f MB\n", what, frames,
+    std::snprintf(facts, sizeof facts, ": %s %d frames, %.1f MB\n", what, page.frames,
                   static_cast<double>(page.html.size()) / 1e6);
-    printSummary(options.common,
-                 // A file name may hold bytes that are not UTF-8; JSON cannot.
-                 json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n",
+    printSummary(options.common, jsonText(json),
                  shown(options.page) + facts + (page.verdict ? page.verdict->text + "\n" : ""));
 }
 
-/// @param what  what the page is, before the number of frames.
-void writePage(const char* command, const char* what, const PageOptions& options,
-               Page (*pageOf)(const Sweep&)) {
+Page writePage(const PageOptions& options, Page (*pageOf)(const Sweep&)) {
     requireExtension("--output", options.page, {".html", ".htm"});
     refuseTakenNames(options.directory, {options.page});
     const SignalGuard signals;
@@ -86,11 +87,11 @@ void writePage(const char* command, const char* what, const PageOptions& options
         openSweep(options.directory, options.refined ? RecordBy::Refinement : RecordBy::Engine);
     OutputFiles files(options.common.force);
     std::FILE* const stream = files.create(options.page);
-    const Page page = pageOf(sweep);
+    Page page = pageOf(sweep);
     files.append(stream, page.html);
     SignalGuard::check();
     files.commit();
-    printPage(command, what, options, sweep.record.frameCount(), page);
+    return page;
 }
 
 std::shared_ptr<PageOptions> addPageOptions(CLI::App& command, const char* directory) {
@@ -111,7 +112,7 @@ void addPlayerCommand(CLI::App& app) {
     auto* command = app.add_subcommand(
         "player", "Write one web page that plays a captured sweep, steady, in any browser");
     const auto options = addPageOptions(*command, "What capture wrote: sweep.mp4 and .obw");
-    command->callback([options] { writePage("player", "player of", *options, playerOf); });
+    command->callback([options] { printPage("player", "player of", *options, writePage(*options, playerOf)); });
 }
 
 void addReportCommand(CLI::App& app) {
@@ -119,7 +120,7 @@ void addReportCommand(CLI::App& app) {
         "report", "Write one web page about a captured sweep: paths, corrections, crop, pictures");
     const auto options = addPageOptions(
         *command, "What capture wrote: sweep.mp4, .obw, .csv and, for the times, .json");
-    command->callback([options] { writePage("report", "report on", *options, reportOn); });
+    command->callback([options] { printPage("report", "report on", *options, writePage(*options, reportOn)); });
 }
 
 }  // namespace orbitwalk::tool

@@ -1,9 +1,7 @@
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "commands/Commands.h"
 #include "refine/Refinement.h"
-#include "sweep/Steadiness.h"
 #include "terminal/Print.h"
 
 namespace orbitwalk::tool {
@@ -18,11 +16,9 @@ struct RefineArguments {
 void run(RefineArguments arguments) {
     arguments.refine.force = arguments.common.force;
     const RefinedSummary summary = refineSweep(arguments.refine);
-    if (const auto warning = unmeasuredWarning(summary))
-        printWarning(*warning);
-    printSummary(
-        arguments.common, toJsonText(summary),
-        toText(summary) + "verdict           " + verdictOn(steadinessOf(summary)).text + '\n');
+    for (const std::string& warning : warningsOn(steadinessOf(summary)))
+        printWarning(warning);
+    printSummary(arguments.common, toJsonText(summary), toText(summary));
 }
 
 }  // namespace

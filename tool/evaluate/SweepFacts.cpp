@@ -7,6 +7,7 @@
 
 #include "orbitwalk/GeometryOpenCV.h"
 #include "render/FramePlanes.h"
+#include "sweep/RecordFacts.h"
 
 namespace orbitwalk::tool {
 
@@ -72,10 +73,9 @@ void addCorrection(const Shot& shot, cv::Size size, SweepFacts& facts) {
 
 SweepFacts sweepFacts(const RecordReader& record) {
     const cv::Size size(record.width(), record.height());
-    const CropRectangle crop = record.crop();
     SweepFacts facts;
     facts.frames = record.frameCount();
-    facts.keptView = static_cast<double>(crop.width) * crop.height / size.area();
+    facts.keptView = viewKeptBy(record);
     for (const Shot& shot : playlist(record)) {
         const std::int64_t missing = missingPixels(size, shot.frameFromOutput);
         if (shot.kind != ShotKind::Sweep) {

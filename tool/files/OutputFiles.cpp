@@ -121,18 +121,17 @@ void OutputFiles::append(std::FILE* stream, std::span<const char> bytes) {
 
 void OutputFiles::commit() {
     closeAll();
-    {
-        const auto whole = Unfinished::keepWhole();
-        try {
-            for (File& file : mFiles)
-                putInPlace(file);
-        } catch (...) {
-            for (File& file : std::views::reverse(mFiles))
-                putBack(file);
-            throw;
-        }
+    const auto whole = Unfinished::keepWhole();
+    try {
+        for (File& file : mFiles)
+            putInPlace(file);
+    } catch (...) {
+        for (File& file : std::views::reverse(mFiles))
+            putBack(file);
+        throw;
     }
     mCommitted = true;
+    Unfinished::isKept(whole);
     std::error_code ignored;
     for (const File& file : mFiles)
         if (file.replaces)

@@ -1,6 +1,5 @@
 #include "refine/Refinement.h"
 
-#include <cmath>
 #include <stdexcept>
 #include <string>
 
@@ -163,17 +162,6 @@ RefinedSummary writeRefinement(OutputFiles& outputs, const SweepFiles& files,
     outputs.write(files.refinedPath, csv);
     outputs.write(files.refinedSummary, toJsonText(summary));
     return summary;
-}
-
-std::optional<std::string> unmeasuredWarning(const RefinedSummary& summary) {
-    const std::size_t unmeasured = summary.unmeasured.size();
-    if (unmeasured == 0)
-        return std::nullopt;
-    constexpr char why[] = ": too little texture, or another scene";
-    if (static_cast<int>(unmeasured) >= summary.rendered - 1)
-        return std::string("the refined sweep is not steadier: no motion could be measured") + why;
-    return std::to_string(unmeasured) + " of " + std::to_string(summary.frames - 1) +
-           " motions could not be measured, and are taken from those beside them" + why;
 }
 
 RefinedSummary refineSweep(const RefineOptions& options) {

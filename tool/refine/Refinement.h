@@ -77,9 +77,6 @@ RefinedSummary writeRefinement(OutputFiles& outputs, const SweepFiles& files,
                                const MeasuredMotions& measured, const RecordReader& record,
                                const SweepChecksums& sums, const PlanWish& wish);
 
-/// What to say of motions that could not be measured; nothing where all were.
-std::optional<std::string> unmeasuredWarning(const RefinedSummary& summary);
-
 struct RefineOptions {
     std::filesystem::path directory;
     PlanWish wish;

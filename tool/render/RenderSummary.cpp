@@ -66,7 +66,7 @@ std::string toJsonText(const RenderSummary& summary) {
     json["warnings"] = summary.warnings;
     json["seconds"] = seconds;
     // A file name may have bytes that are not UTF-8; JSON cannot.
-    return json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return jsonText(json);
 }
 
 }  // namespace orbitwalk::tool

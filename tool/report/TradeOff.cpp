@@ -5,6 +5,7 @@
 
 #include "orbitwalk/refine/PathPlanner.h"
 #include "orbitwalk/refine/RecordWriter.h"
+#include "sweep/RecordFacts.h"
 #include "sweep/Steadiness.h"
 #include "terminal/ToolError.h"
 
@@ -35,9 +36,7 @@ PictureTrack trackOf(std::string name, const PictureMotions& motions, const std:
 }
 
 double keepOf(const RecordReader& record) {
-    const CropRectangle crop = record.crop();
-    return std::sqrt(static_cast<double>(crop.width) * crop.height / record.width() /
-                     record.height());
+    return std::sqrt(viewKeptBy(record));
 }
 
 std::vector<TradeOff> plansOf(const Sweep& sweep, const std::vector<int>& shown) {

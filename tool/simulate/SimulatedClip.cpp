@@ -120,7 +120,7 @@ std::string toJsonText(const ClipOptions& options, const ClipSummary& summary) {
                  {"pathEnd", motion(summary.end)},
                  {"seconds", summary.seconds}});
     // A file name may hold bytes that are not UTF-8; JSON cannot.
-    return json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return jsonText(json);
 }
 
 }  // namespace orbitwalk::tool

@@ -59,6 +59,11 @@ Smoothing smoothingOf(const __kelOBWKDXMetaData& record) {
     return isUncorrected(record) ? Smoothing::FellBack : Smoothing::Smoothed;
 }
 
+double viewKeptBy(const RecordReader& record) {
+    const CropRectangle crop = record.crop();
+    return static_cast<double>(crop.width) * crop.height / record.width() / record.height();
+}
+
 const char* wordsOf(Smoothing smoothing) {
     switch (smoothing) {
         case Smoothing::FellBack:

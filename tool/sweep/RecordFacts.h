@@ -4,6 +4,7 @@
 
 #include "orbitwalk/Engine.h"
 #include "orbitwalk/MetaData.h"
+#include "orbitwalk/RecordReader.h"
 
 namespace orbitwalk::tool {
 
@@ -25,6 +26,9 @@ Smoothing smoothingOf(const __kelOBWKDXMetaData& record);
 
 /// Frames in the range whose flag is 1.
 int renderedFrames(const __kelOBWKDXMetaData& record);
+
+/// Share of the frame's area that the crop shows.
+double viewKeptBy(const RecordReader& record);
 
 /// In words, and as a word of JSON.
 const char* wordsOf(Smoothing smoothing);

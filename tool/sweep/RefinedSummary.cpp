@@ -1,12 +1,12 @@
 #include "sweep/RefinedSummary.h"
 
-#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <numbers>
 
 #include "files/TextFile.h"
 #include "sweep/Checksum.h"
+#include "terminal/Print.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -103,9 +103,8 @@ void requireSame(const std::filesystem::path& file, const std::string& sum) {
 
 }  // namespace
 
-std::optional<double> remainingShare(const RefinedSummary& summary) {
-    const double before = summary.before.shift();
-    return before > 0 ? std::optional(summary.after.shift() / before) : std::nullopt;
+Steadiness steadinessOf(const RefinedSummary& s) {
+    return {s.before, s.after, s.viewKept, static_cast<int>(s.unmeasured.size()), s.frames};
 }
 
 std::string toText(const RefinedSummary& s) {
@@ -115,16 +114,13 @@ std::string toText(const RefinedSummary& s) {
         "frames            %d of %dx%d, %d rendered, %zu unmeasured\n"
         "measured in       %s\n"
         "crop              %dx%d at %d,%d: %.1f %% of width and height, %.1f %% of the view kept\n"
-        "residual motion   %.2f px, %.3f deg as recorded; %.2f px, %.3f deg refined%s\n"
+        "residual motion   %.2f px, %.3f deg as recorded; %.2f px, %.3f deg refined\n"
         "seconds           measure %.2f, plan %.3f, total %.2f\n",
         s.frames, s.size.width, s.size.height, s.rendered, s.unmeasured.size(), s.video.c_str(),
         s.crop.width, s.crop.height, s.crop.x, s.crop.y, 100 * s.keep, 100 * s.viewKept,
         s.before.shift(), s.before.angle * kDegrees, s.after.shift(), s.after.angle * kDegrees,
-        remainingShare(s)
-            ? (" (" + std::to_string(std::lround(100 * *remainingShare(s))) + " % remain)").c_str()
-            : "",
         s.seconds.measure, s.seconds.plan, s.seconds.total);
-    return text;
+    return text + ("verdict           " + verdictOn(steadinessOf(s)).text) + "\n";
 }
 
 nlohmann::ordered_json toJson(const RefinedSummary& s) {
@@ -144,6 +140,7 @@ nlohmann::ordered_json toJson(const RefinedSummary& s) {
         {"residualBefore", residualJson(s.before)},
         {"residualAfter", residualJson(s.after)},
         {"unmeasuredFrames", s.unmeasured},
+        {"verdict", toJson(verdictOn(steadinessOf(s)))},
         {"seconds",
          {{"measure", s.seconds.measure}, {"plan", s.seconds.plan}, {"total", s.seconds.total}}},
         {"checksums",
@@ -154,7 +151,7 @@ nlohmann::ordered_json toJson(const RefinedSummary& s) {
 }
 
 std::string toJsonText(const RefinedSummary& summary) {
-    return toJson(summary).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return jsonText(toJson(summary));
 }
 
 RefinedSummary parseRefinedSummary(std::string_view text) {

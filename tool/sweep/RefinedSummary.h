@@ -1,7 +1,6 @@
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +8,7 @@
 #include "orbitwalk/Geometry.h"
 #include "orbitwalk/refine/PathPlanner.h"
 #include "sweep/Summary.h"
+#include "sweep/Verdict.h"
 
 /// refined.json: what a refinement came to, and which files belong to it.
 namespace orbitwalk::tool {
@@ -41,9 +41,9 @@ struct RefinedSummary {
     std::string record;   ///< Checksum of refined.obw.
 };
 
-/// Share of the recorded residual shift that remains; nothing where there was none.
-std::optional<double> remainingShare(const RefinedSummary& summary);
+Steadiness steadinessOf(const RefinedSummary& summary);
 
+/// With the verdict, as the JSON is.
 std::string toText(const RefinedSummary& summary);
 nlohmann::ordered_json toJson(const RefinedSummary& summary);
 /// What refined.json holds.

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "sweep/Playlist.h"
+#include "sweep/RecordFacts.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -12,11 +13,6 @@ namespace {
 
 FrameSize sizeOf(const RecordReader& record) {
     return {record.width(), record.height()};
-}
-
-double viewKept(const RecordReader& record) {
-    const CropRectangle crop = record.crop();
-    return static_cast<double>(crop.width) * crop.height / record.width() / record.height();
 }
 
 /// Of the picture from one shot to the next. @param recorded  one a rendered frame.
@@ -114,14 +110,9 @@ refine::PathResidual residualOf(std::span<const SimilarityTransform> motions) {
 
 Steadiness steadinessOf(std::span<const SweepRow> path, const RecordReader& record) {
     const PictureMotions recorded = recordedMotions(path, record);
-    return {residualOf(recorded), residualOf(shownMotions(recorded, record)), viewKept(record),
+    return {residualOf(recorded), residualOf(shownMotions(recorded, record)), viewKeptBy(record),
             static_cast<int>(std::ranges::count(path, true, &SweepRow::repeated)),
             record.frameCount()};
-}
-
-Steadiness steadinessOf(const RefinedSummary& summary) {
-    return {summary.before, summary.after, summary.viewKept,
-            static_cast<int>(summary.unmeasured.size()), summary.frames};
 }
 
 std::optional<Steadiness> steadinessOf(const Sweep& sweep) {

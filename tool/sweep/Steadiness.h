@@ -48,7 +48,6 @@ std::optional<BorderJump> borderJump(std::span<const SimilarityTransform> record
 
 /// Of a record by the engine's motions. @param path  one row a frame of the record.
 Steadiness steadinessOf(std::span<const SweepRow> path, const RecordReader& record);
-Steadiness steadinessOf(const RefinedSummary& summary);
 /// Of the sweep's record, the engine's or the refinement's. @return nothing without a measured
 /// path.
 std::optional<Steadiness> steadinessOf(const Sweep& sweep);

@@ -1,7 +1,6 @@
 #include "sweep/Summary.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "sweep/Summary.h"
+#include "terminal/Print.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
@@ -171,7 +172,7 @@ nlohmann::ordered_json toJson(const Summary& summary) {
 }
 
 std::string toJsonText(const Summary& summary) {
-    return toJson(summary).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return jsonText(toJson(summary));
 }
 
 Summary parseSummary(std::string_view text) {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
@@ -112,6 +113,10 @@ void printOut(std::string_view text) {
         else if (errno != EINTR && errno != EAGAIN)
             throw ToolError(std::string("cannot print the output: ") + std::strerror(errno));
     }
+}
+
+std::string jsonText(const nlohmann::ordered_json& json) {
+    return json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 void printNote(std::string_view line) {

@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <filesystem>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,9 @@ std::string shown(const Path& path) {
 /// From here on notes, progress and summaries as text are left out.
 void setQuiet(bool quiet);
 bool isQuiet();
+
+/// A value a line. Bytes that are not UTF-8, as a file name may hold them, are replaced.
+std::string jsonText(const nlohmann::ordered_json& json);
 
 /// Prints on stdout, to the end, as it is. @throws ToolError with the reason when it cannot.
 void printOut(std::string_view text);

@@ -37,6 +37,7 @@ struct UnfinishedPaths {
     std::mutex mutex;
     std::map<int, Entry> entries;  ///< Guarded by mutex.
     int next = 1;                  ///< Guarded by mutex.
+    bool kept = false;             ///< Guarded by mutex. All that was begun has its name.
 };
 
 UnfinishedPaths& unfinishedPaths() {
@@ -44,9 +45,11 @@ UnfinishedPaths& unfinishedPaths() {
     return paths;
 }
 
-[[noreturn]] void abandon(int signal) {
+void abandon(int signal) {
     UnfinishedPaths& paths = unfinishedPaths();
     const std::lock_guard lock(paths.mutex);
+    if (paths.kept)
+        return;
     std::error_code ignored;
     for (auto entry = paths.entries.rbegin(); entry != paths.entries.rend(); ++entry)
         if (entry->second.removed == Unfinished::Removed::WithContent)
@@ -91,6 +94,10 @@ SignalGuard::SignalGuard() {
 
 SignalGuard::~SignalGuard() {
     mWatch = {};
+    {
+        const std::lock_guard lock(unfinishedPaths().mutex);
+        unfinishedPaths().kept = false;
+    }
     for (const auto& [signal, action] : mFormer)
         sigaction(signal, &action, nullptr);
     caughtSignal = 0;
@@ -151,6 +158,10 @@ Unfinished& Unfinished::operator=(Unfinished&& other) noexcept {
 
 std::unique_lock<std::mutex> Unfinished::keepWhole() {
     return std::unique_lock(unfinishedPaths().mutex);
+}
+
+void Unfinished::isKept(const std::unique_lock<std::mutex>& /*whole*/) {
+    unfinishedPaths().kept = true;
 }
 
 }  // namespace orbitwalk::tool

@@ -20,7 +20,7 @@ inline constexpr int kSignalPollMilliseconds = 100;
 /// kSignalPollMilliseconds at a time and look at received() in between.
 ///
 /// Work that cannot look, such as a library's encoding of a large picture, is abandoned: where the
-/// guard still lives half a second after the signal, a thread of its own removes the
+/// guard still lives about half a second after the signal, a thread of its own removes the
 /// Unfinished paths, says that the command was interrupted and ends the process with the exit code
 /// 128 + signal. One at a time in a process, on the main thread.
 class SignalGuard {
@@ -57,6 +57,9 @@ class Unfinished {
 
     /// While it lives the process is not abandoned: for steps that belong together and are short.
     [[nodiscard]] static std::unique_lock<std::mutex> keepWhole();
+    /// From here on until the guard ends there is nothing to undo: the process is not abandoned.
+    /// @param whole  from keepWhole.
+    static void isKept(const std::unique_lock<std::mutex>& whole);
 
   private:
     int mNumber;

@@ -8,9 +8,9 @@ namespace orbitwalk::tool::assets {
 extern const std::string_view kPlayerPage;    ///< web/player/page.html
 extern const std::string_view kPlayerScript;  ///< The player, its record reader and its demuxer.
 
-extern const std::string_view kPage;         ///< web/report/page.html
-extern const std::string_view kStyle;        ///< its style, with uPlot's
-extern const std::string_view kScript;       ///< its script, with uPlot
-extern const std::string_view kPlotLicence;  ///< uPlot's licence
+extern const std::string_view kReportPage;    ///< web/report/page.html
+extern const std::string_view kReportStyle;   ///< its style, with uPlot's
+extern const std::string_view kReportScript;  ///< its script, with uPlot
+extern const std::string_view kPlotLicence;   ///< uPlot's licence
 
 }  // namespace orbitwalk::tool::assets

@@ -41,7 +41,7 @@ std::string escaped(std::string_view text) {
 }
 
 std::string filledPage(std::string_view page,
-                       const std::function<std::string_view(std::string_view name)>& valueOf) {
+                       const std::map<std::string_view, std::string>& texts) {
     constexpr std::string_view kOpen = "{{";
     constexpr std::string_view kClose = "}}";
     std::string filled;
@@ -49,7 +49,7 @@ std::string filledPage(std::string_view page,
         filled += page.substr(0, at);
         page.remove_prefix(at + kOpen.size());
         const std::size_t end = page.find(kClose);
-        filled += valueOf(page.substr(0, end));
+        filled += texts.at(page.substr(0, end));
         page.remove_prefix(end + kClose.size());
     }
     return filled += page;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -18,8 +18,7 @@ std::string scriptText(std::string_view code);
 std::string escaped(std::string_view text);
 
 /// A page with each {{name}} replaced.
-/// @param valueOf  the text of a name; throws where it knows none.
-std::string filledPage(std::string_view page,
-                       const std::function<std::string_view(std::string_view name)>& valueOf);
+/// @throws std::out_of_range  for a name that has no text.
+std::string filledPage(std::string_view page, const std::map<std::string_view, std::string>& texts);
 
 }  // namespace orbitwalk::tool

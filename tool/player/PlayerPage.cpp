@@ -1,7 +1,5 @@
 #include "player/PlayerPage.h"
 
-#include <map>
-
 #include "files/OwnFiles.h"
 #include "files/PageAssets.h"
 #include "files/PageText.h"
@@ -9,15 +7,11 @@
 namespace orbitwalk::tool {
 
 std::string playerPage(std::string_view title, std::string_view video, std::string_view record) {
-    const std::map<std::string_view, std::string> values{
-        {"mark", std::string(kMark)},
-        {"title", escaped(title)},
-        {"script", scriptText(assets::kPlayerScript)},
-        {"video", base64(video)},
-        {"record", base64(record)},
-    };
-    return filledPage(assets::kPlayerPage,
-                      [&](std::string_view name) -> std::string_view { return values.at(name); });
+    return filledPage(assets::kPlayerPage, {{"mark", std::string(kMark)},
+                                            {"title", escaped(title)},
+                                            {"script", scriptText(assets::kPlayerScript)},
+                                            {"video", base64(video)},
+                                            {"record", base64(record)}});
 }
 
 }  // namespace orbitwalk::tool

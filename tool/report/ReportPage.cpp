@@ -1,7 +1,6 @@
 #include "report/ReportPage.h"
 
 #include <cmath>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <numbers>
 
@@ -135,18 +134,14 @@ std::string reportJson(const ReportData& data, const ReportPictures& pictures) {
 }
 
 std::string reportPage(const ReportContent& content) {
-    const std::map<std::string_view, std::string> values{
-        {"mark", std::string(kMark)},
-        {"licence", std::string(assets::kPlotLicence)},
-        {"style", std::string(assets::kStyle)},
-        {"data", std::string(content.json)},
-        {"video", base64(content.video)},
-        {"record", base64(content.record)},
-        {"player-script", scriptText(assets::kPlayerScript)},
-        {"script", scriptText(assets::kScript)},
-    };
-    return filledPage(assets::kPage,
-                      [&](std::string_view name) -> std::string_view { return values.at(name); });
+    return filledPage(assets::kReportPage, {{"mark", std::string(kMark)},
+                                            {"licence", std::string(assets::kPlotLicence)},
+                                            {"style", std::string(assets::kReportStyle)},
+                                            {"data", std::string(content.json)},
+                                            {"video", base64(content.video)},
+                                            {"record", base64(content.record)},
+                                            {"player-script", scriptText(assets::kPlayerScript)},
+                                            {"script", scriptText(assets::kReportScript)}});
 }
 
 }  // namespace orbitwalk::tool

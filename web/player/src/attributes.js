@@ -32,10 +32,10 @@ export class PlayerAttributes extends Element {
             this.setAttribute("steady", "false");
     }
 
-    /** Times the speed of the recording, 0.05 to 16. */
+    /** Times the speed of the recording, 1/16 to 16: what a <video> element plays at, too. */
     get speed() {
         const speed = Number(this.getAttribute("speed") ?? 1);
-        return speed > 0 ? within(speed, 0.05, 16) : 1;
+        return speed > 0 ? within(speed, 1 / 16, 16) : 1;
     }
     set speed(value) { this.setAttribute("speed", String(value)); }
 

@@ -20,9 +20,10 @@ export class Playback {
     index = 0;
     /** @type {1 | -1} */
     direction = 1;
+    /** Times the rate. */
+    speed = 1;
     #count;
     #rate;
-    #speed = 1;
     /** When the current picture was due, seconds. */
     #since = 0;
     #last = 0;
@@ -34,9 +35,6 @@ export class Playback {
         this.#count = count;
         this.#rate = rate;
     }
-
-    get speed() { return this.#speed; }
-    set speed(speed) { this.#speed = speed; }
 
     /** @param {number} now  seconds @param {number} index  the picture that stands */
     start(now, index) {
@@ -61,7 +59,7 @@ export class Playback {
         if (now - this.#last > LONGEST_TICK)
             this.#since = now;
         this.#last = now;
-        const step = 1 / (this.#rate * this.#speed);
+        const step = 1 / (this.#rate * this.speed);
         if (this.#isHeld)
             this.#since = now - step;
         this.#isHeld = false;

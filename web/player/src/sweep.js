@@ -55,14 +55,15 @@ function requireSameSweep(record, video) {
 
 /** @param {import("./video.js").VideoIndex} video @param {string | Blob} file @param {AbortSignal} signal */
 async function frameSource(video, file, signal) {
-    if (await DecodedFrames.canDecode(video))
+    const canDecode = await DecodedFrames.canDecode(video);
+    signal.throwIfAborted();
+    if (canDecode)
         return new DecodedFrames(video);
     if (!VideoFrames.isSupported)
         throw new PlayerError("This browser has neither WebCodecs nor requestVideoFrameCallback; the player needs one of them.");
     const frames = new VideoFrames(video, file);
     try {
-        await frames.open();
-        signal.throwIfAborted();
+        await frames.open(signal);
         return frames;
     } catch (error) {
         frames.close();
@@ -78,7 +79,7 @@ async function frameSource(video, file, signal) {
  * @throws {PlayerError}
  */
 export async function openSweep(files, signal) {
-    const opening = openVideo(files.video);
+    const opening = openVideo(files.video, signal);
     // Whoever fails first is told; the other one is let go of.
     opening.catch(() => {});
     const record = await readRecord(files.record, signal).catch(async error => {

@@ -49,11 +49,13 @@ async function readPackets(track) {
 /**
  * Reads where the frames of a video lie, not the frames.
  * @param {string | Blob} source  an address or the bytes
+ * @param {AbortSignal} signal  ends the reading
  * @returns {Promise<VideoIndex>}  its input is the caller's to dispose
  * @throws {PlayerError}
  */
-export async function openVideo(source) {
+export async function openVideo(source, signal) {
     const input = new Input({formats: [MP4, QTFF], source: mediaSource(source)});
+    signal.addEventListener("abort", () => input.dispose(), {once: true});
     try {
         const track = await input.getPrimaryVideoTrack();
         if (!track)
@@ -72,6 +74,7 @@ export async function openVideo(source) {
         };
     } catch (error) {
         input.dispose();
+        signal.throwIfAborted();
         throw error instanceof PlayerError ? error
             : new PlayerError(`The video cannot be read: ${reasonOf(error)}`, error);
     }

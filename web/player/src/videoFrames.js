@@ -39,10 +39,11 @@ export class VideoFrames {
         return typeof HTMLVideoElement === "function" && "requestVideoFrameCallback" in HTMLVideoElement.prototype;
     }
 
-    /** Loads the first frame. @throws {PlayerError} */
-    async open() {
+    /** Loads the first frame. @param {AbortSignal} signal @throws {PlayerError} */
+    async open(signal) {
         const video = this.#video;
         await new Promise((resolve, reject) => {
+            signal.addEventListener("abort", () => reject(signal.reason), {once: true});
             video.addEventListener("loadeddata", resolve, {once: true});
             video.addEventListener("error", () => reject(failure(video)), {once: true});
             video.src = this.#address;

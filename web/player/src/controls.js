@@ -124,15 +124,20 @@ export class Controls {
         for (const control of [...this.#root.querySelectorAll("button"), this.#scrubber, this.#speed])
             control.disabled = !state.isReady;
         this.#scrubber.max = String(Math.max(0, state.count - 1));
-        this.#scrubber.value = String(state.index);
-        const number = `${state.isReady ? state.index + 1 : 0} / ${state.count}`;
-        this.#scrubber.setAttribute("aria-valuetext", `Frame ${number.replace("/", "of")}`);
-        this.#number.textContent = number;
+        this.showPlace(state);
         if (![...this.#speed.options].some(option => Number(option.value) === state.speed))
             this.#speed.add(new Option(`${state.speed}×`, String(state.speed)));
         this.#speed.value = String(state.speed);
         this.#split.hidden = !state.compare || !state.isReady;
         this.#split.ariaValueNow = String(Math.round(100 * state.split));
+    }
+
+    /** Another picture, all else as it was. @param {Pick<ControlState, "count" | "index" | "isReady">} place */
+    showPlace({count, index, isReady}) {
+        const number = `${isReady ? index + 1 : 0} / ${count}`;
+        this.#scrubber.value = String(index);
+        this.#scrubber.setAttribute("aria-valuetext", `Frame ${number.replace("/", "of")}`);
+        this.#number.textContent = number;
     }
 
     /** Where the boundary stands on the stage. @param {number} left  pixels */

@@ -235,6 +235,8 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         if (!painter)
             throw new PlayerError("This browser has neither WebGL2 nor a 2D canvas; the player needs one of them.");
         const sweep = await openSweep(files, signal);
+        if (signal.aborted)
+            sweep.source.close();
         signal.throwIfAborted();
         return new LoadedSweep(sweep, painter, this, error => this.#fail(error, signal));
     }
@@ -254,7 +256,7 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         const shown = this.#show(this.#frame);
         await shown.catch(() => {});
         const isStill = matchMedia("(prefers-reduced-motion: reduce)").matches;
-        if (!signal.aborted && this.autoplay && !isStill)
+        if (!signal.aborted && this.autoplay && !isStill && !this.#stage.isSaying)
             this.play().catch(() => {});
     }
 
@@ -280,8 +282,11 @@ export class OrbitwalkPlayer extends PlayerAttributes {
     #fail(error, signal) {
         if (signal.aborted)
             return;
-        const text = error instanceof PlayerError ? error.message : `The sweep cannot be played: ${reasonOf(error)}`;
         this.pause();
+        // What is broken may fail again; the first message tells.
+        if (this.#stage.isSaying)
+            return;
+        const text = error instanceof PlayerError ? error.message : `The sweep cannot be played: ${reasonOf(error)}`;
         this.#stage.say(text);
         this.#update();
         this.dispatchEvent(new ErrorEvent("error", {message: text, error}));
@@ -310,12 +315,14 @@ export class OrbitwalkPlayer extends PlayerAttributes {
             return Promise.reject(aborted("nothing is loaded"));
         this.#wish.abort(aborted("another picture was asked for"));
         this.#wish = new AbortController();
+        const wished = this.#wish.signal;
+        const {signal} = this.#loading;
         const {store, shots} = loaded;
         const shown = store.need(shots[index].frame, picture => {
             this.#draw(index, picture);
             loaded.playback.jump(seconds(), index);
-        }, this.#wish.signal);
-        shown.catch(() => {});
+        }, wished);
+        shown.catch(error => wished.aborted || this.#fail(error, signal));
         return shown;
     }
 
@@ -344,8 +351,17 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         this.#frame = index;
         if (!isNew)
             return;
-        this.#update();
+        this.#controls.showPlace({count: shots.length, index, isReady: this.#isReady});
         this.dispatchEvent(new CustomEvent("framechange", {detail: {frame: index, videoFrame: shots[index].frame}}));
+    }
+
+    /** Where nobody waits who would hear of a failure. @param {number} index @param {Picture} picture */
+    #drawNow(index, picture) {
+        try {
+            this.#draw(index, picture);
+        } catch (error) {
+            this.#fail(error, this.#loading.signal);
+        }
     }
 
     #tick() {
@@ -361,7 +377,7 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         }
         const picture = next !== "same" && store.get(shots[next].frame);
         if (picture)
-            this.#draw(next, picture);
+            this.#drawNow(next, picture);
         loaded.prepareNext(this.#frame);
         this.#ticking = requestAnimationFrame(() => this.#tick());
     }
@@ -377,7 +393,7 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         this.#controls.placeSplit(left + this.#split * width);
         const picture = loaded.store.get(loaded.shots[this.#frame].frame);
         if (picture && canvas.dataset.drawn)
-            this.#draw(this.#frame, picture);
+            this.#drawNow(this.#frame, picture);
         else if (canvas.dataset.drawn)
             this.#show(this.#frame);
     }
@@ -388,9 +404,13 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         this.#refresh();
     }
 
+    get #isReady() {
+        return this.#loaded !== null && !this.#stage.isSaying;
+    }
+
     #update() {
         const {steady, compare, split, speed} = this;
-        const isReady = this.#loaded !== null && !this.#stage.isSaying;
+        const isReady = this.#isReady;
         this.#controls.update({
             count: this.frameCount, index: this.#frame, paused: this.#paused, isReady, repeat: this.#repeat, steady, compare,
             split, speed, isTilting: this.#look?.isTilting ?? false,

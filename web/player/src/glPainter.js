@@ -33,8 +33,8 @@ const SHRINKING = 1.5;
 /** Draws with WebGL2. @implements {Painter} */
 export class GlPainter {
     #gl;
-    /** @type {{planes: Program, picture: Program} | null} */
-    #programs = null;
+    /** None after the context was lost. @type {{planes: Program, picture: Program} | null} */
+    #programs;
     /** @type {GlPicture[]} */
     #free = [];
     /** @type {ArrayBuffer | null} */
@@ -46,10 +46,12 @@ export class GlPainter {
      * @param {HTMLCanvasElement} canvas
      * @param {WebGL2RenderingContext} gl  of the canvas
      * @param {() => void} onForget  all pictures are lost; those of before must not be used any more
+     * @throws where the browser cannot make the warp's programs
      */
     constructor(canvas, gl, onForget) {
         this.canvas = canvas;
         this.#gl = gl;
+        this.#programs = programsOf(gl);
         this.#onLost = (/** @type {Event} */ event) => {
             event.preventDefault();
             this.#programs = null;
@@ -132,7 +134,7 @@ export class GlPainter {
     /** @param {GlPicture} picture @param {Affine} map @param {number} bottom */
     #paint(picture, map, bottom) {
         const gl = this.#gl;
-        this.#programs ??= {planes: new Program(gl, planesShader), picture: new Program(gl, pictureShader)};
+        this.#programs ??= programsOf(gl);
         const program = picture.conversion ? this.#programs.planes : this.#programs.picture;
         const isSmall = Math.hypot(map.xx, map.yx) > SHRINKING;
         if (isSmall && !picture.hasCopies)
@@ -228,6 +230,9 @@ export class GlPainter {
         return Object.assign(room, {conversion: conversionOf(frame.colorSpace, width, height), hasCopies: false});
     }
 }
+
+/** @param {WebGL2RenderingContext} gl */
+const programsOf = gl => ({planes: new Program(gl, planesShader), picture: new Program(gl, pictureShader)});
 
 class Program {
     #gl;

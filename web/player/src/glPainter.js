@@ -33,7 +33,7 @@ const SHRINKING = 1.5;
 /** Draws with WebGL2. @implements {Painter} */
 export class GlPainter {
     #gl;
-    /** None after the context was lost. @type {{planes: Program, picture: Program} | null} */
+    /** None since a lost context came back. @type {{planes: Program, picture: Program} | null} */
     #programs;
     /** @type {GlPicture[]} */
     #free = [];
@@ -52,11 +52,10 @@ export class GlPainter {
         this.canvas = canvas;
         this.#gl = gl;
         this.#programs = programsOf(gl);
-        this.#onLost = (/** @type {Event} */ event) => {
-            event.preventDefault();
-            this.#programs = null;
-        };
+        this.#onLost = (/** @type {Event} */ event) => event.preventDefault();
         this.#onRestored = () => {
+            // What was made while there was no context is as lost as what was made before.
+            this.#programs = null;
             this.#free = [];
             onForget();
         };
@@ -110,6 +109,8 @@ export class GlPainter {
     /** @param {Picture} picture @param {Affine} frameFromCanvas @param {number} width @param {number} height */
     read(picture, frameFromCanvas, width, height) {
         const gl = this.#gl;
+        if (gl.isContextLost())
+            throw new Error("the drawing context is lost");
         const target = this.#texture(gl.RGBA8, width, height, 1);
         const buffer = gl.createFramebuffer();
         gl.bindFramebuffer(gl.FRAMEBUFFER, buffer);
@@ -134,6 +135,8 @@ export class GlPainter {
     /** @param {GlPicture} picture @param {Affine} map @param {number} bottom */
     #paint(picture, map, bottom) {
         const gl = this.#gl;
+        if (gl.isContextLost())
+            return;
         this.#programs ??= programsOf(gl);
         const program = picture.conversion ? this.#programs.planes : this.#programs.picture;
         const isSmall = Math.hypot(map.xx, map.yx) > SHRINKING;

@@ -34,6 +34,16 @@ const changes = {
         await writeFile(record, withTenBorderFrames(await readFile(record)));
         await rm(join(directory, "sweep.json"));
     },
+    /** By a phone that is held upright, at an even pace. */
+    async "held upright"(directory) {
+        const record = join(directory, "sweep.obw");
+        const bytes = await readFile(record);
+        bytes.writeInt32LE(270, 28);
+        for (let i = 0; i < 18; ++i)
+            bytes.writeInt32LE(12e6 * i, 44072 + 4 * i);
+        await writeFile(record, bytes);
+        await rm(join(directory, "sweep.json"));
+    },
     async "with forward references"(directory) {
         const video = join(directory, "sweep.mp4"), anew = join(directory, "anew.mp4");
         await ffmpeg("-i", video, "-c:v", "libx264", "-preset", "fast", "-crf", "16", "-bf", "3", "-g", "12",
@@ -90,12 +100,12 @@ export function sweepsIn(work) {
         return {record: openRecord(await readFile(join(directory, "sweep.obw")))};
     });
 
-    /** 1080p with the noise of a sensor, which makes a video large. */
-    const large = () => once("large", async () => {
+    /** 1080p with the noise of a sensor, which makes a video large: 290 frames take 20 MB. @param {number} frames */
+    const large = frames => once("large", async () => {
         const shot = join(work, "large.shot.mp4");
         await mkdir(join(work, "large"));
-        await ffmpeg("-f", "lavfi", "-i", "testsrc2=size=2160x1080:rate=30,noise=alls=16:allf=t,crop=1920:1080:x=n*12:y=0",
-            "-frames:v", "12", "-c:v", "libx264", "-preset", "ultrafast", "-crf", "12", "-pix_fmt", "yuv420p", shot);
+        await ffmpeg("-f", "lavfi", "-i", `testsrc2=size=${1920 + 12 * frames}x1080:rate=30,crop=1920:1080:x=n*12:y=0,noise=alls=16:allf=t`,
+            "-frames:v", String(frames), "-c:v", "libx264", "-preset", "ultrafast", "-crf", "12", "-pix_fmt", "yuv420p", shot);
         await tool("capture", shot, "-q", "-o", join(work, "large"));
     });
 
@@ -103,7 +113,7 @@ export function sweepsIn(work) {
     async function prepare() {
         for (const name of [...Object.keys(captures).slice(1), ...Object.keys(changes)])
             await rendered(name).catch(() => {});
-        await large().catch(() => {});
+        await large(12).catch(() => {});
     }
 
     return {sweep, rendered, large, prepare};

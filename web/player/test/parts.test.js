@@ -6,7 +6,7 @@ import {gzipSync} from "node:zlib";
 import {RenderMatrix} from "@orbitwalk/record";
 import {Playback} from "../src/playback.js";
 import {frameFromUpright, shownSize, turnOf} from "../src/playlist.js";
-import {displacements} from "../src/sweepPath.js";
+import {displacements, SweepPath} from "../src/sweepPath.js";
 
 /** Ticks a clock of 10 pictures a second; what it shows. */
 function play({repeat, count = 4, times, availability = () => "here"}) {
@@ -62,6 +62,21 @@ test("the picture stands upright, and a mirrored one is its mirror picture", () 
     assert.deepEqual(corners(90, false), {turn: 90, size: [2, 4], left: [10, 21], right: [10, 20]});
     assert.deepEqual(corners(270, false), {turn: 270, size: [2, 4], left: [13, 20], right: [13, 21]});
     assert.deepEqual(corners(90, true), {turn: 270, size: [2, 4], left: [10, 20], right: [10, 21]});
+});
+
+test("a hand moves along the sweep on the screen, however the phone was held", () => {
+    const screenOf = (direction, orientation, isFlipped) => new SweepPath({
+        direction, orientation, isFlipped, crop: {x: 10, y: 20, width: 4, height: 2}, width: 24, height: 42, frameCount: 0,
+        renderedFrames: [],
+    }, []).screen;
+    // Directions: 1 and 2 are horizontal for who holds the phone, 3 and 4 vertical.
+    assert.deepEqual(screenOf(1, 0, false), {axis: "x", sign: 1});
+    assert.deepEqual(screenOf(2, 180, true), {axis: "x", sign: -1});
+    assert.deepEqual(screenOf(3, 0, true), {axis: "y", sign: 1});
+    // Turned clockwise by 90 degrees, what the frame has on its right stands below, what it has below on the left.
+    assert.deepEqual(screenOf(4, 90, false), {axis: "y", sign: 1});
+    assert.deepEqual(screenOf(1, 90, false), {axis: "x", sign: -1});
+    assert.deepEqual(screenOf(2, 270, false), {axis: "x", sign: 1});
 });
 
 test("player and demuxer are small", async t => {

@@ -15,28 +15,48 @@ function nearest(record, position) {
     return distances.flatMap((distance, i) => distance === least ? [i] : []);
 }
 
-async function testDrag(harness, t, name, record) {
+/** A finger on the page, by the browser's own events. */
+async function fingerOn(page) {
+    const session = await page.context().newCDPSession(page);
+    const send = (type, touchPoints) => session.send("Input.dispatchTouchEvent", {type, touchPoints});
+    return {
+        down: (x, y) => send("touchStart", [{x, y}]),
+        move: (x, y) => send("touchMove", [{x, y}]),
+        up: () => send("touchEnd", []),
+    };
+}
+
+const mouseOn = page => ({
+    down: (x, y) => page.mouse.move(x, y).then(() => page.mouse.down()),
+    move: (x, y) => page.mouse.move(x, y),
+    up: () => page.mouse.up(),
+});
+
+const canvasBox = page => page.evaluate(() => {
+    const {x, y, width, height} = globalThis.player.shadowRoot.querySelector("canvas").getBoundingClientRect();
+    return {x, y, width, height};
+});
+
+/** @param {"width" | "height"} across  what of the crop the width of the screen shows */
+async function testDrag(harness, t, name, record, across, hand, device) {
     await t.test(`dragging shows the frame under the finger: ${name}`, async () => {
-        const page = await harness.openPage({reducedMotion: "reduce"});
+        const page = await harness.openPage({reducedMotion: "reduce", ...device});
         const {count} = await addPlayer(page, sourceOf(name));
         const start = count >> 1;
         await page.evaluate(frame => globalThis.player.seekToFrame(frame), start);
-        const box = await page.evaluate(() => {
-            const {x, y, width, height} = globalThis.player.shadowRoot.querySelector("canvas").getBoundingClientRect();
-            return {x, y, width, height};
-        });
-        const scale = record.crop.width / box.width * (record.isFlipped ? -1 : 1);
+        const box = await canvasBox(page);
+        const scale = record.crop[across] / box.width * (record.isFlipped ? -1 : 1);
         const middle = {x: box.x + box.width / 2, y: box.y + box.height / 2};
-        await page.mouse.move(middle.x, middle.y);
-        await page.mouse.down();
+        const {down, move, up} = await hand(page);
+        await down(middle.x, middle.y);
         const seen = new Set();
         for (const moved of [-90, -40, -20, 7, 30, 75, 130, -10]) {
-            await page.mouse.move(middle.x + moved, middle.y + 5);
+            await move(middle.x + moved, middle.y + 5);
             const wanted = nearest(record, positionsOf(record)[start] + moved * scale);
             await page.waitForFunction(frames => frames.includes(globalThis.player.currentFrame), wanted, {timeout: 20000});
             seen.add(wanted[0]);
         }
-        await page.mouse.up();
+        await up();
         assert.ok(seen.size > 4, "the drag hardly moved");
         const last = await current(page);
         await page.waitForTimeout(200);
@@ -45,23 +65,25 @@ async function testDrag(harness, t, name, record) {
     });
 }
 
-async function testGlide(harness, t) {
+async function testGlide(harness, t, record) {
     await t.test("a flick glides on, a tap plays", async () => {
         const page = await harness.openPage({viewport: {width: 320, height: 300}});
         const {count} = await addPlayer(page, sourceOf("plain"));
-        let glided = 0;
+        const scale = record.crop.width / (await canvasBox(page)).width;
+        const start = count - 2;
+        const letGo = nearest(record, positionsOf(record)[start] + 20 * scale);
+        let reached = count;
         // On a busy machine the moves come too slowly for a flick.
-        for (let attempt = 0; attempt < 8 && glided === 0; ++attempt) {
-            await page.evaluate(frame => globalThis.player.seekToFrame(frame), count - 2);
+        for (let attempt = 0; attempt < 8 && reached >= Math.min(...letGo); ++attempt) {
+            await page.evaluate(frame => globalThis.player.seekToFrame(frame), start);
             await page.mouse.move(100, 80);
             await page.mouse.down();
             await page.mouse.move(120, 80, {steps: 3});
             await page.mouse.up();
-            const released = await current(page);
             await page.waitForTimeout(300);
-            glided = released - await current(page);
+            reached = await current(page);
         }
-        assert.ok(glided > 0, "it stopped where it was let go of");
+        assert.ok(reached < Math.min(...letGo), `let go of at ${letGo}, it stands at ${reached}`);
         assert.equal(await page.evaluate(() => globalThis.player.paused), true);
         await page.mouse.click(100, 80);
         await page.waitForFunction(() => !globalThis.player.paused);
@@ -88,33 +110,72 @@ async function focusOrder(page) {
 async function testKeyboard(harness, t) {
     await t.test("the keyboard reaches and does everything", async () => {
         const page = await harness.openPage();
-        const {count} = await addPlayer(page, sourceOf("plain"));
-        assert.deepEqual((await focusOrder(page)).filter(name => name !== "Full screen"),
-            ["Play", "Frame", "Play once", "Steady", "Compare with as recorded", "Speed"]);
-        await page.evaluate(() => globalThis.player.focus());
-        await page.keyboard.press("End");
-        await comesTo(page, count - 1);
-        await page.keyboard.press("ArrowLeft");
-        await comesTo(page, count - 2);
-        await page.keyboard.press("Home");
-        await comesTo(page, 0);
-        await page.keyboard.press("ArrowRight");
-        await comesTo(page, 1);
-        await page.keyboard.press("Shift+ArrowRight");
-        await comesTo(page, 11);
+        const {count} = await addPlayer(page, {...sourceOf("plain"), compare: ""});
+        assert.deepEqual(await focusOrder(page), ["As recorded on the left, steady on the right", "Play", "Frame", "Play once",
+            "Steady", "Compare with as recorded", "Speed", "Full screen"]);
+        await page.evaluate(() => globalThis.player.shadowRoot.querySelector("[data-name=toggle]").focus());
+        for (const [key, frame] of [["End", count - 1], ["ArrowLeft", count - 2], ["Home", 0], ["ArrowRight", 1],
+            ["Shift+ArrowRight", 11]]) {
+            await page.keyboard.press(key);
+            await comesTo(page, frame);
+        }
         await page.keyboard.press("Tab");
         await page.keyboard.press(" ");
         await page.waitForFunction(() => !globalThis.player.paused);
         await page.keyboard.press(" ");
         await page.waitForFunction(() => globalThis.player.paused);
-        const press = label => page.evaluate(name => globalThis.player.shadowRoot.querySelector(`[aria-label="${name}"]`).click(), label);
-        await press("Play once");
-        await press("Loop");
-        await press("Steady");
-        await press("Compare with as recorded");
-        const attributes = await page.evaluate(() => globalThis.player.getAttributeNames().filter(name => !["src", "record"].includes(name)));
-        assert.deepEqual(attributes.sort(), ["back-and-forth", "compare", "steady"]);
-        assert.equal(await page.evaluate(() => globalThis.player.steady), false);
+        // On the boundary, the arrows move it and not the sweep.
+        const frame = await current(page);
+        await page.keyboard.press("Shift+Tab");
+        await page.keyboard.press("Shift+Tab");
+        for (const [key, split] of [["ArrowRight", 0.55], ["ArrowLeft", 0.5], ["Home", 0], ["End", 1]]) {
+            await page.keyboard.press(key);
+            assert.equal(await page.evaluate(() => globalThis.player.split), split);
+        }
+        assert.equal(await current(page), frame);
+        await page.finish();
+    });
+}
+
+async function testControls(harness, t) {
+    await t.test("buttons, scrubber, speed and the boundary do what they say", async () => {
+        const page = await harness.openPage();
+        await addPlayer(page, sourceOf("plain"));
+        await page.getByLabel("Frame").fill("7");
+        await comesTo(page, 7);
+        for (const name of ["Play once", "Loop", "Steady", "Compare with as recorded"])
+            await page.getByRole("button", {name, exact: true}).click();
+        await page.getByLabel("Speed").selectOption("0.5");
+        const box = await canvasBox(page);
+        await page.mouse.move(box.x + box.width / 2, box.y + 20);
+        await page.mouse.down();
+        await page.mouse.move(box.x + box.width / 4, box.y + 30);
+        await page.mouse.up();
+        const {attributes, split, frame} = await page.evaluate(() => {
+            const {player} = globalThis;
+            const all = [...player.attributes].filter(({name}) => !["src", "record"].includes(name));
+            return {attributes: Object.fromEntries(all.map(({name, value}) => [name, value])), split: player.split, frame: player.currentFrame};
+        });
+        assert.deepEqual(attributes, {"back-and-forth": "", steady: "false", compare: "", speed: "0.5"});
+        assert.ok(Math.abs(split - 0.25) < 0.01, `${split}`);
+        assert.equal(frame, 7, "the boundary's drag moved the sweep");
+        await page.finish();
+    });
+    await t.test("attributes and properties are the same", async () => {
+        const page = await harness.openPage();
+        const [set, read] = await page.evaluate(() => {
+            const one = document.createElement("orbitwalk-player"), other = document.createElement("orbitwalk-player");
+            Object.assign(one, {src: "a", record: "b", autoplay: true, loop: true, backAndForth: true, steady: false, compare: true,
+                speed: 2, borderFrames: true, cacheMegabytes: 64});
+            const speeds = ["1e-3", "99", "-1", "fast"].map(text => {
+                other.setAttribute("speed", text);
+                return other.speed;
+            });
+            return [[...one.attributes].map(({name, value}) => `${name}=${value}`).sort(), speeds];
+        });
+        assert.deepEqual(set, ["autoplay=", "back-and-forth=", "border-frames=", "cache-megabytes=64", "compare=", "loop=", "record=b",
+            "speed=2", "src=a", "steady=false"]);
+        assert.deepEqual(read, [1 / 16, 16, 1, 1]);
         await page.finish();
     });
 }
@@ -194,6 +255,9 @@ async function testTilt(harness, t, record) {
         await button.tap();
         assert.equal(await isOn(), false);
         await tilt(40);
+        // Whoever asks for a picture waits for those that were asked for before.
+        for (let i = 0; i < count; ++i)
+            await page.evaluate(index => globalThis.player.pictureAt(index, 8), i);
         assert.equal(await current(page), last, "it tilts though that was switched off");
         await button.tap();
         await page.evaluate(() => {
@@ -225,13 +289,16 @@ async function testFullScreen(harness, t) {
 
 /** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testHands(harness, t) {
-    const {record} = await harness.sweeps.sweep("plain");
-    const mirrored = await harness.sweeps.sweep("mirrored");
-    await testDrag(harness, t, "plain", record);
-    await testDrag(harness, t, "mirrored", mirrored.record);
-    await testGlide(harness, t);
+    const recordOf = async name => (await harness.sweeps.sweep(name)).record;
+    const record = await recordOf("plain");
+    await testDrag(harness, t, "plain", record, "width", mouseOn);
+    await testDrag(harness, t, "mirrored", await recordOf("mirrored"), "width", mouseOn);
+    await testDrag(harness, t, "held upright", await recordOf("held upright"), "height", fingerOn,
+        {viewport: {width: 360, height: 740}, hasTouch: true, isMobile: true});
+    await testGlide(harness, t, record);
     await testTilt(harness, t, record);
     await testKeyboard(harness, t);
+    await testControls(harness, t);
     await testFullScreen(harness, t);
     await testPreferences(harness, t);
     await testCompare(harness, t, record);

@@ -4,7 +4,7 @@ import {stat} from "node:fs/promises";
 import {cpus, loadavg} from "node:os";
 import {join, resolve} from "node:path";
 import {tool} from "../../test/tool.js";
-import {startHarness} from "../test/browser/harness.js";
+import {startHarness} from "./browser.js";
 import {costInWords, costOfPlaying} from "./cost.js";
 
 /** Milliseconds from when the sweep was ready to when its first picture was drawn, and to when that was on the screen. */

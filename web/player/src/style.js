@@ -18,7 +18,7 @@ canvas { position: absolute; inset: 0; margin: auto; display: block; cursor: gra
 canvas:active { cursor: grabbing; }
 .split {
     position: absolute; top: 0; bottom: 0; width: 44px; margin-left: -22px; cursor: ew-resize; touch-action: none;
-    background: linear-gradient(#fff, #fff) center / 2px 100% no-repeat;
+    background: linear-gradient(90deg, #0009 1px, #fff 1px 3px, #0009 3px) center / 4px 100% no-repeat;
 }
 .split::after {
     content: "\\2194"; position: absolute; top: 50%; left: 50%; width: 30px; height: 30px; margin: -15px; border-radius: 50%;

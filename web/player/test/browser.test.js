@@ -2,7 +2,7 @@
 import test, {after} from "node:test";
 import {testErrors} from "./browser/errors.js";
 import {testHands} from "./browser/hands.js";
-import {startHarness} from "./browser/harness.js";
+import {startHarness} from "../bench/browser.js";
 import {testPages} from "./browser/pages.js";
 import {testPictures} from "./browser/pictures.js";
 import {testPlaying} from "./browser/playing.js";

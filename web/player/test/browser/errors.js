@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import {mkdir, readFile, writeFile} from "node:fs/promises";
 import {join} from "node:path";
-import {addPlayer, sourceOf} from "./harness.js";
+import {addPlayer, sourceOf} from "../../bench/browser.js";
 
 const visibleMessage = () => {
     const message = globalThis.player.shadowRoot.querySelector("[role=alert]");
@@ -30,7 +30,7 @@ const browsers = [
     }, /cannot be played: out of ink/],
 ];
 
-/** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
+/** @param {Awaited<ReturnType<import("../../bench/browser.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testErrors(harness, t) {
     const {work, sweeps} = harness;
     await Promise.all(["with forward references", "mirrored", "portrait"].map(sweeps.sweep));

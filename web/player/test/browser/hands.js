@@ -1,6 +1,6 @@
 // What people do with it: drag, keys, buttons, preferences.
 import assert from "node:assert/strict";
-import {addPlayer, sourceOf} from "./harness.js";
+import {addPlayer, sourceOf} from "../../bench/browser.js";
 
 const current = page => page.evaluate(() => globalThis.player.currentFrame);
 const comesTo = (page, frame) => page.waitForFunction(wanted => globalThis.player.currentFrame === wanted, frame, {timeout: 20000});
@@ -193,6 +193,38 @@ async function testPreferences(harness, t) {
     });
 }
 
+/** Luminance as WCAG 2 defines it; what is half transparent lies on a white picture. @param {string} colour  as computed */
+function luminance(colour) {
+    const [red, green, blue, alpha = 1] = colour.match(/[\d.]+/g).map(Number);
+    const linear = [red, green, blue].map(value => (value * alpha / 255) + 1 - alpha)
+        .map(value => value <= 0.04045 ? value / 12.92 : ((value + 0.055) / 1.055) ** 2.4);
+    return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2];
+}
+
+async function testContrast(harness, t) {
+    await t.test("text and controls stand out, light and dark", async () => {
+        for (const colorScheme of ["light", "dark"]) {
+            const page = await harness.openPage({colorScheme});
+            await addPlayer(page, {...sourceOf("plain"), compare: ""});
+            const pairs = await page.evaluate(() => {
+                const style = selector => getComputedStyle(globalThis.player.shadowRoot.querySelector(selector));
+                const {backgroundColor: ground} = getComputedStyle(globalThis.player);
+                const own = selector => [style(selector).color, style(selector).backgroundColor];
+                return {
+                    words: [[style("output").color, ground], [style("select").color, ground], own(".message"), own(".tag")],
+                    shapes: [[style("[data-name=toggle]").color, ground], own("[aria-pressed=true]"), [style(".scrubber").accentColor, ground]],
+                };
+            });
+            for (const [kind, least] of [["words", 4.5], ["shapes", 3]])
+                for (const pair of pairs[kind]) {
+                    const [dark, light] = pair.map(luminance).sort((a, b) => a - b);
+                    assert.ok((light + 0.05) / (dark + 0.05) >= least, `${colorScheme} ${kind}: ${pair}`);
+                }
+            await page.finish();
+        }
+    });
+}
+
 /** The left of the boundary shows the frame as it is in the video, the right the steady picture. */
 async function testCompare(harness, t, record) {
     await t.test("a comparison shows both sides of the boundary", async () => {
@@ -287,7 +319,7 @@ async function testFullScreen(harness, t) {
     });
 }
 
-/** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
+/** @param {Awaited<ReturnType<import("../../bench/browser.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testHands(harness, t) {
     const recordOf = async name => (await harness.sweeps.sweep(name)).record;
     const record = await recordOf("plain");
@@ -301,5 +333,6 @@ export async function testHands(harness, t) {
     await testControls(harness, t);
     await testFullScreen(harness, t);
     await testPreferences(harness, t);
+    await testContrast(harness, t);
     await testCompare(harness, t, record);
 }

@@ -1,6 +1,6 @@
 // What the player shows is what `orbitwalk render` writes.
 import assert from "node:assert/strict";
-import {addPlayer, sourceOf} from "./harness.js";
+import {addPlayer, sourceOf} from "../../bench/browser.js";
 import {mark} from "./sweeps.js";
 
 /**
@@ -82,7 +82,7 @@ const cases = [
     ["with forward references", "a video element", withoutWebCodecs],
 ];
 
-/** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
+/** @param {Awaited<ReturnType<import("../../bench/browser.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testPictures(harness, t) {
     for (const [name, means, before] of cases)
         await t.test(`pictures of a sweep, ${name}, by ${means}`, async () => {

@@ -3,7 +3,8 @@ import {cp, mkdir, readFile, rename, rm, writeFile} from "node:fs/promises";
 import {join} from "node:path";
 import {openRecord} from "@orbitwalk/record";
 import {withTenBorderFrames} from "../../../record/test/tenBorderFrames.js";
-import {run, tool} from "../../../test/tool.js";
+import {run} from "../../../test/run.js";
+import {tool} from "../../../test/tool.js";
 
 const ffmpeg = (...options) => run("ffmpeg", "-v", "error", "-y", ...options);
 

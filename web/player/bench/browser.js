@@ -1,4 +1,4 @@
-// A browser, and a server on this machine for the built player and the sweeps of a directory.
+// A browser, and a server on this machine for the built player and the sweeps of a directory: for tests and measurements.
 import assert from "node:assert/strict";
 import {createReadStream} from "node:fs";
 import {mkdtemp, rm, stat} from "node:fs/promises";
@@ -7,9 +7,9 @@ import {tmpdir} from "node:os";
 import {extname, join, normalize} from "node:path";
 import {fileURLToPath} from "node:url";
 import {chromium} from "playwright-core";
-import {sweepsIn} from "./sweeps.js";
+import {sweepsIn} from "../test/browser/sweeps.js";
 
-const dist = fileURLToPath(new URL("../../dist/", import.meta.url));
+const dist = fileURLToPath(new URL("../dist/", import.meta.url));
 const types = {".js": "text/javascript", ".html": "text/html", ".mp4": "video/mp4"};
 
 const page = `<!DOCTYPE html><html lang="en"><head><meta charset="utf-8"><title>Test</title>
@@ -57,8 +57,9 @@ export async function startHarness() {
     /**
      * A page with the player's script in it, and what it left unhandled.
      * @param {import("playwright-core").BrowserContextOptions & {before?: () => void}} [options]
+     * @param {string} [path]  of a page that has the script itself
      */
-    async function openPage({before, ...options} = {}) {
+    async function openPage({before, ...options} = {}, path = "") {
         const context = await browser.newContext({viewport: {width: 960, height: 640}, ...options});
         const opened = await context.newPage();
         const unhandled = [];
@@ -69,8 +70,9 @@ export async function startHarness() {
         });
         if (before)
             await opened.addInitScript(before);
-        await opened.goto(address);
-        await opened.addScriptTag({url: "/dist/player.js", type: "module"});
+        await opened.goto(address + path);
+        if (!path)
+            await opened.addScriptTag({url: "/dist/player.js", type: "module"});
         return Object.assign(opened, {
             unhandled,
             async finish() {

@@ -1,10 +1,14 @@
 // The pages that `orbitwalk player` and `report` write: opened as files, they play and ask for nothing.
 import assert from "node:assert/strict";
+import {cp} from "node:fs/promises";
 import {join} from "node:path";
+import {fileURLToPath} from "node:url";
 import {tool} from "../../../test/tool.js";
 import {withoutWebCodecs} from "./pictures.js";
 
-/** @param {Awaited<ReturnType<import("./harness.js").startHarness>>} harness @param {import("node:test").TestContext} t */
+const urlFile = path => fileURLToPath(new URL(path, import.meta.url));
+
+/** @param {Awaited<ReturnType<import("../../bench/browser.js").startHarness>>} harness @param {import("node:test").TestContext} t */
 export async function testPages(harness, t) {
     const {record} = await harness.sweeps.sweep("plain");
     const directory = join(harness.work, "plain");
@@ -37,6 +41,27 @@ export async function testPages(harness, t) {
             assert.ok(unhandled.every(text => text.includes("Content Security Policy")) && unhandled.length > 0, `${unhandled}`);
             await context.close();
         });
+
+    await t.test("the example plays and shows thumbnails, or says why not", async () => {
+        const place = join(harness.work, "example");
+        for (const [from, name] of [[join(directory, "sweep.mp4"), "sweep.mp4"], [join(directory, "sweep.obw"), "sweep.obw"],
+            [urlFile("../../dist/player.js"), "player.js"], [urlFile("../../../../examples/player/index.html"), "index.html"]])
+            await cp(from, join(place, name), {recursive: true});
+        const page = await harness.openPage({}, "example/index.html");
+        await page.waitForFunction(() => document.querySelectorAll("#thumbnails canvas").length === 6 &&
+            !document.querySelector("orbitwalk-player").paused);
+        await page.locator("#thumbnails canvas").nth(5).click();
+        await page.waitForFunction(() => {
+            const {currentFrame, frameCount, paused} = document.querySelector("orbitwalk-player");
+            return paused && currentFrame === frameCount - 1;
+        });
+        await page.finish();
+        // A player that is taken away while it makes thumbnails.
+        const gone = await harness.openPage({before: () =>
+            addEventListener("ready", ({target}) => queueMicrotask(() => target.remove()), true)}, "example/index.html");
+        await gone.waitForFunction(() => document.getElementById("caption").textContent.includes("let go of"));
+        await gone.finish();
+    });
 
     await t.test("the report's plots and its player show the same frame", async () => {
         const report = join(harness.work, "report.html");

@@ -26,7 +26,9 @@ async function measure(page, file) {
     for (let k = 0; k < 3; ++k) {
         await page.evaluate(() => {
             const player = document.querySelector("orbitwalk-player");
+            player.pause();
             player.loop = false;
+            player.style.width = "100%";
             return player.seekToFrame(0);
         });
         console.log(costInWords(await costOfPlaying(page)));

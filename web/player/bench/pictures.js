@@ -35,7 +35,11 @@ try {
             const page = await context.newPage();
             const take = (what, options) => page.screenshot({path: join(out, `${what}-${colorScheme}-${name}.png`), ...options});
             await page.goto(`file://${files.player}`);
-            await page.evaluate(() => document.querySelector("orbitwalk-player").seekToFrame(0));
+            await page.evaluate(async () => {
+                const player = document.querySelector("orbitwalk-player");
+                await player.play();
+                player.pause();
+            });
             for (const [what, act] of Object.entries(states)) {
                 await page.evaluate(`(${act})(document.querySelector("orbitwalk-player"))`);
                 await take(what);

@@ -32,12 +32,12 @@ while IFS= read -r file; do
     complain "$file: only SmoothedPath looks into the stabiliser"
 done < <(grep -rlE '^#include "stabilization/' tool | grep -v '^tool/sweep/SmoothedPath\.cpp$')
 # Commands call the work, the work knows a sweep, a sweep its files, files the terminal; report and evaluate render, report plays, capture refines.
-for work in capture simulate refine render evaluate inspect player report; do
+for work in batch capture simulate refine render evaluate inspect player report; do
     forbid tool/$work "work knows neither commands nor other work" commands/ \
-        $(printf '%s\n' capture/ simulate/ refine/ render/ evaluate/ inspect/ player/ report/ | grep -v "^$work/" |
+        $(printf '%s\n' batch/ capture/ simulate/ refine/ render/ evaluate/ inspect/ player/ report/ | grep -v "^$work/" |
             case $work in evaluate) grep -v '^render/' ;; capture) grep -v '^refine/' ;; report) grep -vE '^(render|player)/' ;; *) cat ;; esac)
 done
-work='(commands|capture|simulate|refine|render|evaluate|inspect|player|report)/'
+work='(commands|batch|capture|simulate|refine|render|evaluate|inspect|player|report)/'
 forbid tool/sweep "a sweep knows no work" "$work"
 forbid tool/files "files know no sweep" "$work" sweep/
 forbid tool/terminal "the terminal is below everything" "$work" sweep/ files/

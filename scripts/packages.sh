@@ -4,7 +4,7 @@ packages_libraries=(
     libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev libopencv-imgcodecs-dev
     libopencv-calib3d-dev
     libavcodec-dev libavfilter-dev libavformat-dev libavutil-dev libswscale-dev
-    libspdlog-dev libcli11-dev nlohmann-json3-dev libtbb-dev libeigen3-dev
+    libspdlog-dev libcli11-dev nlohmann-json3-dev libtbb-dev libeigen3-dev libfccp-dev
 )
 packages_build=(g++ cmake ninja-build pkg-config git npm "${packages_libraries[@]}")
 packages_demo=(lomiri-wallpapers-16.04)
@@ -13,6 +13,8 @@ packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils python3 lld c
     android-liblog-dev openjdk-17-jdk-headless)
 # For bench/quality, bench/measure_speed and bench/plan_check.
 packages_bench=(ffmpeg lomiri-wallpapers-16.04 python3-cvxopt)
+# A scheduler of its own for the batch examples (slurm.sh).
+packages_cluster=(lomiri-wallpapers-16.04 munge parallel procps slurm-wlm)
 packages_package=(debootstrap dpkg-dev file lintian)
 packages_clang=(clang libclang-rt-14-dev)
 # To build for another machine and run what was built; what it is built with is unpacked beside it (sysroot.sh).

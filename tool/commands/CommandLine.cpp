@@ -16,6 +16,8 @@ std::unique_ptr<CLI::App> commandLine() {
     addPlayerCommand(*app);
     addReportCommand(*app);
     addRefineCommand(*app);
+    addBatchCommand(*app);
+    addRunClipCommand(*app);
     return app;
 }
 

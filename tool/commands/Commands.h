@@ -18,6 +18,9 @@ void addRenderCommand(CLI::App& app);
 void addPlayerCommand(CLI::App& app);
 void addReportCommand(CLI::App& app);
 void addRefineCommand(CLI::App& app);
+void addBatchCommand(CLI::App& app);
+/// What batch runs for each clip.
+void addRunClipCommand(CLI::App& app);
 
 /// The program's whole command line.
 std::unique_ptr<CLI::App> commandLine();

@@ -112,7 +112,8 @@ void addPlayerCommand(CLI::App& app) {
     auto* command = app.add_subcommand(
         "player", "Write one web page that plays a captured sweep, steady, in any browser");
     const auto options = addPageOptions(*command, "What capture wrote: sweep.mp4 and .obw");
-    command->callback([options] { printPage("player", "player of", *options, writePage(*options, playerOf)); });
+    command->callback(
+        [options] { printPage("player", "player of", *options, writePage(*options, playerOf)); });
 }
 
 void addReportCommand(CLI::App& app) {
@@ -120,7 +121,8 @@ void addReportCommand(CLI::App& app) {
         "report", "Write one web page about a captured sweep: paths, corrections, crop, pictures");
     const auto options = addPageOptions(
         *command, "What capture wrote: sweep.mp4, .obw, .csv and, for the times, .json");
-    command->callback([options] { printPage("report", "report on", *options, writePage(*options, reportOn)); });
+    command->callback(
+        [options] { printPage("report", "report on", *options, writePage(*options, reportOn)); });
 }
 
 }  // namespace orbitwalk::tool

@@ -46,7 +46,8 @@ bool isRecord(const std::filesystem::path& file, std::size_t size) {
 
 bool isTable(std::string_view head) {
     const std::string_view line = head.substr(0, head.find('\n'));
-    return line == kSweepTableHeader || line == kTruthTableHeader || line == kMotionTableHeader;
+    return line == kSweepTableHeader || line == kTruthTableHeader || line == kMotionTableHeader ||
+           line == kBatchTableHeader;
 }
 
 bool isOwnJson(std::string_view head) {

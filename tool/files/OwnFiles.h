@@ -12,6 +12,9 @@ namespace orbitwalk::tool {
 inline constexpr std::string_view kSweepTableHeader = "frame,x,y,a,flag,repeated";
 inline constexpr std::string_view kTruthTableHeader = "frame,dx,dy,da,x,y,a";
 inline constexpr std::string_view kMotionTableHeader = "frame,dx,dy,da,ds,measured";
+inline constexpr std::string_view kBatchTableHeader =
+    "id,state,frames,steadier,residual_share,view_kept,refined_steadier,refined_residual_share,"
+    "refined_view_kept,error";
 
 /// Stands as a comment in the videos, pictures and pages that the tool writes; see
 /// media::kMadeWith, which is the same text.

@@ -44,7 +44,8 @@ std::vector<const CLI::Option*> positionalsOf(const CLI::App& command) {
 }
 
 std::vector<const CLI::App*> commandsOf(const CLI::App& program) {
-    return program.get_subcommands([](const CLI::App*) { return true; });
+    return program.get_subcommands(
+        [](const CLI::App* command) { return !command->get_group().empty(); });
 }
 
 std::string shortly(const std::string& description) {

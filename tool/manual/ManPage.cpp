@@ -70,7 +70,8 @@ std::string head(const CLI::App& program, const std::string& name, const std::st
 constexpr char kExitStatus[] =
     ".SH EXIT STATUS\n"
     "0 where the command did what was asked, 2 where its options cannot be taken, 128 and the "
-    "number of the signal\nwhere one ended it, 1 where it failed otherwise. A failure is one line on the standard error.\n";
+    "number of the signal\nwhere one ended it, 1 where it failed otherwise. A failure is one line "
+    "on the standard error.\n";
 
 std::string pageName(const CLI::App& program, const CLI::App& command) {
     return program.get_name() + "-" + command.get_name();

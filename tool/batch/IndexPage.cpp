@@ -1,0 +1,121 @@
+#include "batch/IndexPage.h"
+
+#include <algorithm>
+
+#include "files/OwnFiles.h"
+#include "files/PageText.h"
+
+namespace orbitwalk::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::string_view kPage = R"(<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta http-equiv="Content-Security-Policy" content="default-src 'none'; img-src 'self' file:; style-src 'unsafe-inline'">
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<meta name="generator" content="{{mark}}">
+<meta name="color-scheme" content="light dark">
+<title>Batch of sweeps</title>
+<style>
+:root {
+    color-scheme: light dark;
+    --page: #f6f7f9; --card: #fff; --ink: #1c2128; --faint: #5d6673; --line: #d8dde4; --link: #1a5fb4;
+    --alarm: #8f2a1d; --good: #1d6b45;
+}
+@media (prefers-color-scheme: dark) {
+    :root {
+        --page: #14171c; --card: #1c2027; --ink: #e4e8ee; --faint: #9aa5b4; --line: #343b46; --link: #8ab4f8;
+        --alarm: #ffb4a6; --good: #93dbb5;
+    }
+}
+* { box-sizing: border-box; }
+body { margin: 0 auto; max-width: 1360px; padding: 24px; background: var(--page); color: var(--ink);
+    font: 15px/1.5 system-ui, "Segoe UI", Roboto, "Noto Sans", Arial, sans-serif; }
+h1 { margin: 0; font-size: 26px; }
+p { margin: 0 0 8px; }
+a { color: var(--link); }
+.counts, .refined { color: var(--faint); }
+ul { list-style: none; margin: 16px 0 0; padding: 0; display: grid; gap: 16px;
+    grid-template-columns: repeat(auto-fill, minmax(min(100%, 400px), 1fr)); }
+li { padding: 12px; border: 1px solid var(--line); border-radius: 10px; background: var(--card); overflow-wrap: anywhere; }
+h2 { margin: 0 0 4px; font-size: 16px; }
+img { display: block; width: 100%; height: auto; margin: 0 0 8px; border-radius: 4px; }
+.good { color: var(--good); }
+.not { color: var(--alarm); }
+</style>
+</head>
+<body>
+<h1>Batch of sweeps</h1>
+<p class="counts">{{counts}} The same as a table: <a href="summary.csv">summary.csv</a>, <a href="summary.json">summary.json</a>.</p>
+<ul>
+{{clips}}</ul>
+</body>
+</html>
+)";
+
+/// A sentence about one record. @param verdict  as in the sidecar, or null.
+std::string verdictLine(const Json& verdict, std::string_view before, std::string_view kind) {
+    if (!verdict.is_object())
+        return {};
+    const bool steadier = verdict.value("steadier", Json()) == Json(true);
+    const std::string style = kind.empty() ? (steadier ? "good" : "not") : std::string(kind);
+    const Json text = verdict.value("text", Json());
+    return "<p class=\"" + style + "\">" + std::string(before) +
+           escaped(text.is_string() ? text.get<std::string>() : "") + "</p>\n";
+}
+
+std::string itemOf(const ClipReport& report) {
+    // An id is a name for a folder without anything that markup or an address would take otherwise.
+    const std::string& id = report.id;
+    std::string item = "<li>\n<h2>" + id + "</h2>\n";
+    switch (report.state) {
+        case ClipState::Done:
+            item += "<a href=\"" + id + "/report.html\"><img loading=\"lazy\" src=\"" + id +
+                    "/strip.png\" alt=\"Frames of " + id + " as recorded and steady\"></a>\n";
+            item += verdictLine(report.result.value("verdict", Json()), "", "");
+            item += verdictLine(report.result.value("refined", Json()), "Refined: ", "refined");
+            item += "<a href=\"" + id + "/player.html\">Play " + id + "</a>, <a href=\"" + id +
+                    "/report.html\">report on " + id + "</a>\n";
+            break;
+        case ClipState::Failed:
+            item += "<p class=\"not\">Failed: " + escaped(report.error) + "</p>\n<a href=\"" + id +
+                    ".error.txt\">What was said of " + id + "</a>\n";
+            break;
+        case ClipState::Waiting:
+            item += "<p class=\"refined\">Not made yet.</p>\n";
+            break;
+    }
+    return item + "</li>\n";
+}
+
+std::string countsOf(const std::vector<ClipReport>& reports) {
+    std::string text = std::to_string(reports.size()) + " clips:";
+    const char* separator = " ";
+    for (const ClipState state : {ClipState::Done, ClipState::Failed, ClipState::Waiting}) {
+        const auto count = std::ranges::count(reports, state, &ClipReport::state);
+        text += separator + std::to_string(count) + ' ' + nameOf(state);
+        separator = ", ";
+    }
+    return text + '.';
+}
+
+}  // namespace
+
+std::string indexPage(const std::vector<ClipReport>& reports) {
+    std::vector<ClipReport> sorted = reports;
+    std::ranges::stable_partition(
+        sorted, [](const ClipReport& report) { return report.state == ClipState::Failed; });
+    std::string clips;
+    for (const ClipReport& report : sorted)
+        clips += itemOf(report);
+    const std::string counts = countsOf(reports);
+    return filledPage(kPage, [&](std::string_view name) -> std::string_view {
+        return name == "mark" ? kMark : name == "counts" ? std::string_view(counts) : clips;
+    });
+}
+
+}  // namespace orbitwalk::tool

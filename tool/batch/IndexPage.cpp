@@ -38,7 +38,7 @@ body { margin: 0 auto; max-width: 1360px; padding: 24px; background: var(--page)
 h1 { margin: 0; font-size: 26px; }
 p { margin: 0 0 8px; }
 a { color: var(--link); }
-.counts, .refined { color: var(--faint); }
+.counts, .faint { color: var(--faint); }
 ul { list-style: none; margin: 16px 0 0; padding: 0; display: grid; gap: 16px;
     grid-template-columns: repeat(auto-fill, minmax(min(100%, 400px), 1fr)); }
 li { padding: 12px; border: 1px solid var(--line); border-radius: 10px; background: var(--card); overflow-wrap: anywhere; }
@@ -57,15 +57,24 @@ img { display: block; width: 100%; height: auto; margin: 0 0 8px; border-radius:
 </html>
 )";
 
-/// A sentence about one record. @param verdict  as in the sidecar, or null.
-std::string verdictLine(const Json& verdict, std::string_view before, std::string_view kind) {
-    if (!verdict.is_object())
-        return {};
-    const bool steadier = verdict.value("steadier", Json()) == Json(true);
-    const std::string style = kind.empty() ? (steadier ? "good" : "not") : std::string(kind);
+std::string sentenceOf(const Json& verdict) {
     const Json text = verdict.value("text", Json());
-    return "<p class=\"" + style + "\">" + std::string(before) +
-           escaped(text.is_string() ? text.get<std::string>() : "") + "</p>\n";
+    return text.is_string() ? escaped(text.get<std::string>()) : "";
+}
+
+/// What came of the record that the pages show, the refined one where there is one; then the
+/// engine's.
+std::string verdictLines(const Json& result) {
+    const Json engine = result.value("verdict", Json()), refined = result.value("refined", Json());
+    const Json& played = refined.is_object() ? refined : engine;
+    if (!played.is_object())
+        return {};
+    const bool steadier = played.value("steadier", Json()) == Json(true);
+    std::string lines = std::string("<p class=\"") + (steadier ? "good" : "not") + "\">" +
+                        sentenceOf(played) + "</p>\n";
+    if (refined.is_object() && engine.is_object())
+        lines += "<p class=\"faint\">Before the refinement: " + sentenceOf(engine) + "</p>\n";
+    return lines;
 }
 
 std::string itemOf(const ClipReport& report) {
@@ -76,8 +85,7 @@ std::string itemOf(const ClipReport& report) {
         case ClipState::Done:
             item += "<a href=\"" + id + "/report.html\"><img loading=\"lazy\" src=\"" + id +
                     "/strip.png\" alt=\"Frames of " + id + " as recorded and steady\"></a>\n";
-            item += verdictLine(report.result.value("verdict", Json()), "", "");
-            item += verdictLine(report.result.value("refined", Json()), "Refined: ", "refined");
+            item += verdictLines(report.result);
             item += "<a href=\"" + id + "/player.html\">Play " + id + "</a>, <a href=\"" + id +
                     "/report.html\">report on " + id + "</a>\n";
             break;
@@ -86,7 +94,7 @@ std::string itemOf(const ClipReport& report) {
                     ".error.txt\">What was said of " + id + "</a>\n";
             break;
         case ClipState::Waiting:
-            item += "<p class=\"refined\">Not made yet.</p>\n";
+            item += "<p class=\"faint\">Not made yet.</p>\n";
             break;
     }
     return item + "</li>\n";

@@ -27,7 +27,8 @@ forbid src/stabilization "stages know neither the engine nor each other" engine/
 forbid refine "the path is refined beside the engine, on any host" engine/ frameproc/ findTransform/ stabilization/ common/ \
     orbitwalk/Engine.h media/ MP4Writer.h OrbitwalkPlatform.h android/ opencv2/videoio opencv2/highgui opencv2/imgcodecs
 forbid src "the engine does not know its hosts" media/ opencv2/videoio opencv2/highgui opencv2/imgcodecs
-forbid tool "the tool is a client, never an insider" engine/ frameproc/ findTransform/ opencv2/videoio opencv2/highgui
+forbid tool "the tool is a client, never an insider; pictures and videos are libav's" engine/ frameproc/ findTransform/ \
+    opencv2/videoio opencv2/highgui opencv2/imgcodecs
 while IFS= read -r file; do
     complain "$file: only SmoothedPath looks into the stabiliser"
 done < <(grep -rlE '^#include "stabilization/' tool | grep -v '^tool/sweep/SmoothedPath\.cpp$')

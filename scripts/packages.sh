@@ -1,7 +1,7 @@
 # The Debian 12 packages that the project needs, sourced by the scripts beside it.
 
 packages_libraries=(
-    libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev libopencv-imgcodecs-dev
+    libopencv-core-dev libopencv-imgproc-dev libopencv-video-dev
     libopencv-calib3d-dev
     libavcodec-dev libavfilter-dev libavformat-dev libavutil-dev libswscale-dev
     libspdlog-dev libcli11-dev nlohmann-json3-dev libtbb-dev libeigen3-dev libfccp-dev
@@ -9,7 +9,7 @@ packages_libraries=(
 packages_build=(g++ cmake ninja-build pkg-config git npm "${packages_libraries[@]}")
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)
-packages_test=(libgtest-dev libgmock-dev libbenchmark-dev binutils python3 lld chromium ffmpeg man-db zsh fish
+packages_test=(libopencv-imgcodecs-dev libgtest-dev libgmock-dev libbenchmark-dev binutils python3 lld chromium ffmpeg man-db zsh fish
     android-liblog-dev openjdk-17-jdk-headless)
 # For bench/quality, bench/measure_speed and bench/plan_check.
 packages_bench=(ffmpeg lomiri-wallpapers-16.04 python3-cvxopt)

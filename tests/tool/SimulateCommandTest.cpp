@@ -78,7 +78,7 @@ TEST(SimulateCommand, NamesAFileThatItCannotUseInOneLineAndLeavesNothingBehind) 
         int exitCode = 1;
     } cases[] = {
         {{dir / "none.jpg", "-o", clip}, "none.jpg: No such file"},
-        {{folder, "-o", clip}, "cannot read " + folder},
+        {{folder, "-o", clip}, folder + ": Is a directory"},
         {{text, "-o", clip}, text + " is not a picture"},
         {{"-o", dir / "text/clip.mp4"}, "cannot write"},
         {{"-o", folder}, "cannot write " + folder},

@@ -120,10 +120,8 @@ std::string indexPage(const std::vector<ClipReport>& reports) {
     std::string clips;
     for (const ClipReport& report : sorted)
         clips += itemOf(report);
-    const std::string counts = countsOf(reports);
-    return filledPage(kPage, [&](std::string_view name) -> std::string_view {
-        return name == "mark" ? kMark : name == "counts" ? std::string_view(counts) : clips;
-    });
+    return filledPage(
+        kPage, {{"mark", std::string(kMark)}, {"counts", countsOf(reports)}, {"clips", clips}});
 }
 
 }  // namespace orbitwalk::tool

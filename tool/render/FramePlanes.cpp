@@ -82,6 +82,15 @@ cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size) {
     return picture;
 }
 
+media::Picture pictureOf(const cv::Mat& picture) {
+    const int channels = picture.channels();
+    media::Picture result{picture.cols, picture.rows, channels,
+                          std::vector<std::uint8_t>(picture.total() * picture.elemSize())};
+    cv::Mat pixels(picture.size(), picture.type(), result.pixels.data());
+    cv::cvtColor(picture, pixels, channels == 4 ? cv::COLOR_BGRA2RGBA : cv::COLOR_BGR2RGB);
+    return result;
+}
+
 cv::Mat turned(const cv::Mat& picture, int degrees) {
     if (degrees == 0)
         return picture;

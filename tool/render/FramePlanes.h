@@ -4,6 +4,7 @@
 #include <opencv2/core/mat.hpp>
 #include <span>
 
+#include "media/PictureFile.h"
 #include "sweep/Affine.h"
 
 /// Frames are tightly packed I420 of even size and video range. A colour sample lies where H.264
@@ -34,6 +35,9 @@ cv::Matx23d matrixOf(const Affine& map);
 
 /// The frame as a picture, by the matrix of its size.
 cv::Mat3b toBgr(std::span<const std::uint8_t> frame, cv::Size size);
+
+/// A picture in three or four channels, blue first, as files are made of it.
+media::Picture pictureOf(const cv::Mat& picture);
 
 /// A picture turned clockwise by 0, 90 or 270 degrees; see displayRotation.
 cv::Mat turned(const cv::Mat& picture, int degrees);

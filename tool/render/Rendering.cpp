@@ -2,13 +2,12 @@
 
 #include <malloc.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <opencv2/imgcodecs.hpp>
 #include <vector>
 
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
+#include "media/PictureFile.h"
 #include "render/ContactSheet.h"
 #include "render/FramePlanes.h"
 #include "render/Panorama.h"
@@ -149,9 +148,7 @@ class Rendering {
         const Stopwatch watch;
         const cv::Mat picture = make();
         SignalGuard::check();
-        std::vector<uchar> png;
-        if (!cv::imencode(".png", picture, png))
-            throw ToolError("cannot write " + output.path.string() + ": no PNG encoder");
+        std::vector<std::uint8_t> png = media::encodePng(pictureOf(picture));
         markPicture(png);
         mOutputs.append(output.stream, {reinterpret_cast<const char*>(png.data()), png.size()});
         return {output.path, picture.size(), watch.seconds()};

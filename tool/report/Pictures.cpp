@@ -1,13 +1,12 @@
 #include "report/Pictures.h"
 
 #include <algorithm>
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <set>
 
+#include "media/PictureFile.h"
 #include "render/ContactSheet.h"
 #include "render/FramePlanes.h"
-#include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 
@@ -15,7 +14,6 @@ namespace {
 
 constexpr int kStripSide = 480;
 constexpr int kCropSide = 1280;
-constexpr int kJpegQuality = 85;
 
 /// @param longSide  the most that the longer side of the picture may measure.
 std::string jpeg(const cv::Mat3b& picture, int longSide) {
@@ -26,9 +24,7 @@ std::string jpeg(const cv::Mat3b& picture, int longSide) {
                             std::max(1, cvRound(picture.rows * factor)));
         cv::resize(picture, shrunk, size, 0, 0, cv::INTER_AREA);
     }
-    std::vector<uchar> bytes;
-    if (!cv::imencode(".jpg", shrunk, bytes, {cv::IMWRITE_JPEG_QUALITY, kJpegQuality}))
-        throw ToolError("cannot embed pictures: no JPEG encoder");
+    const std::vector<std::uint8_t> bytes = media::encodeJpeg(pictureOf(shrunk));
     return {bytes.begin(), bytes.end()};
 }
 

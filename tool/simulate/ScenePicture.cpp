@@ -1,36 +1,18 @@
 #include "simulate/ScenePicture.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
+#include "files/TextFile.h"
+#include "media/MediaTypes.h"
+#include "media/PictureFile.h"
 #include "terminal/ToolError.h"
 
 namespace orbitwalk::tool {
 
 namespace {
-
-// Read here rather than by OpenCV, which prints a warning of its own about a file that it cannot
-// open.
-std::vector<unsigned char> readBytes(const std::string& name) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(name.c_str(), "rb"),
-                                                                 std::fclose);
-    std::vector<unsigned char> bytes;
-    std::array<unsigned char, 65536> block;
-    std::size_t got = 0;
-    while (stream && (got = std::fread(block.data(), 1, block.size(), stream.get())) > 0)
-        bytes.insert(bytes.end(), block.begin(), block.begin() + got);
-    if (!stream || std::ferror(stream.get()) != 0)
-        throw ToolError("cannot read " + name + ": " + std::strerror(errno));
-    return bytes;
-}
 
 struct Leaf {
     cv::RotatedRect outline;
@@ -90,18 +72,18 @@ void addGrain(cv::Mat3b& picture, cv::RNG& random) {
 }  // namespace
 
 cv::Mat3b readPhoto(const std::filesystem::path& file) {
-    const std::string name = file.string();
-    const std::vector<unsigned char> bytes = readBytes(name);
-    cv::Mat picture;
+    constexpr std::size_t kMost = std::size_t{1} << 30;
+    const std::string bytes = readTextFile(file, kMost);
     try {
-        if (!bytes.empty())
-            picture = cv::imdecode(bytes, cv::IMREAD_COLOR);
-    } catch (const cv::Exception&) {
-        picture.release();
+        media::Picture photo = media::decodePicture(bytes);
+        cv::Mat3b picture;
+        cv::cvtColor(
+            cv::Mat3b(photo.height, photo.width, reinterpret_cast<cv::Vec3b*>(photo.pixels.data())),
+            picture, cv::COLOR_RGB2BGR);
+        return picture;
+    } catch (const media::MediaError&) {
+        throw ToolError(file.string() + " is not a picture that can be read");
     }
-    if (picture.empty())
-        throw ToolError(name + " is not a picture that can be read");
-    return picture;
 }
 
 cv::Mat3b texturedScene(cv::Size size, cv::RNG random) {

@@ -6,7 +6,7 @@
 /// The picture that the virtual camera sweeps across.
 namespace orbitwalk::tool {
 
-/// Reads a picture of any format that OpenCV decodes, upright, as 8-bit BGR.
+/// Reads a picture of any format that FFmpeg decodes, upright, as 8-bit BGR.
 /// @throws ToolError naming the file and the reason.
 cv::Mat3b readPhoto(const std::filesystem::path& file);
 

@@ -36,6 +36,14 @@ int __android_log_print(int priority, const char* tag, const char* format, ...) 
     return result;
 }
 
+int __android_log_is_loggable(int priority, const char*, int) {
+    try {
+        return LogChannel::instance().isOpenFor(priority) ? 1 : 0;
+    } catch (const std::exception&) {
+        return 1;
+    }
+}
+
 void OrbitwalkSetLogListener(OrbitwalkLogListener listener, void* context) {
     LogChannel::instance().setListener(listener, context);
 }

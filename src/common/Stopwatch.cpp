@@ -1,6 +1,6 @@
 #include "common/Stopwatch.h"
 
-#include <android/log.h>
+#include "common/Log.h"
 
 namespace orbitwalk {
 
@@ -19,6 +19,8 @@ Stopwatch::Stopwatch() {
 }
 
 void Stopwatch::log(const char* tag) const {
+    if (!isHeard(ANDROID_LOG_VERBOSE, tag))
+        return;
     timeval now;
     gettimeofday(&now, nullptr);
     __android_log_print(ANDROID_LOG_VERBOSE, tag, "Time Elapsed : %f ms\n",

@@ -8,6 +8,7 @@
 #include "findTransform/Scene.h"
 #include "orbitwalk/Engine.h"
 #include "orbitwalk/MotionKernels.h"
+#include "support/FakePlatform.h"
 #include "support/TestDirectory.h"
 
 extern int rivalEstimatorCalls;
@@ -49,6 +50,8 @@ TEST(Binding, TheEngineRunsItsOwnEstimatorWhateverTheProgramLinksFirst) {
         getTrajectory(Scene().frame(kWidth, kHeight, {-6.0 * i, 0, 0}).data(), &x, &y, &a);
 
     EXPECT_EQ(rivalEstimatorCalls, 0);
+    EXPECT_GT(fake_platform::countLog("getTrajectory : E"), 0)
+        << "the program's log, which cannot say whether it is heard; the host's would be quiet";
     EXPECT_NEAR(x, -18.0f, 1.8f) << "pixels; the rival's empty result would have left 0";
     cancelOrbitwalkEngine();
     deinitOrbitwalkEngine();

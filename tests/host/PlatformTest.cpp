@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <set>
 
+#include "common/Log.h"
 #include "support/CommandOutput.h"
 #include "support/TestDirectory.h"
 
@@ -52,6 +53,20 @@ TEST(Log, WritesFromTheLevelUpWithPriorityAndTagAndOneNewline) {
     }
     EXPECT_THAT(probe(""), ElementsAre());
     EXPECT_THAT(probe("ORBITWALK_LOG_LEVEL=loud"), ElementsAre(HasSubstr("\"loud\"")));
+}
+
+TEST(Log, ComputesNoValueThatNobodyHears) {
+    constexpr char kLogTag[] = "A_TAG";
+    int computed = 0;
+    logInfo("%d", ++computed);
+    EXPECT_EQ(computed, 0) << "quiet by default";
+    int heard = 0;
+    OrbitwalkSetLogListener(
+        [](int, const char*, const char*, void* count) { ++*static_cast<int*>(count); }, &heard);
+    logInfo("%d", ++computed);
+    OrbitwalkSetLogListener(nullptr, nullptr);
+    EXPECT_EQ(computed, 1);
+    EXPECT_EQ(heard, 1);
 }
 
 TEST_F(LogFile, IsAppendedToInPlaceOfStderr) {
@@ -129,8 +144,9 @@ TEST(SystemProperty, OthersAreEmptyAndNullsAreHarmless) {
 
 TEST(HostSymbols, EachLibraryExportsItsCallsAndNothingElse) {
     EXPECT_THAT(linesOf("nm -D -j --defined-only " PLATFORM_LIBRARY),
-                UnorderedElementsAre("__android_log_print", "__system_property_get",
-                                     "OrbitwalkSetLogListener", "OrbitwalkSetLogLevel"));
+                UnorderedElementsAre("__android_log_is_loggable", "__android_log_print",
+                                     "__system_property_get", "OrbitwalkSetLogListener",
+                                     "OrbitwalkSetLogLevel"));
     EXPECT_THAT(linesOf("nm -D -j --defined-only " WRITER_LIBRARY),
                 UnorderedElementsAre("InitMP4Engine", "EncodeFrame", "DeInitMP4Engine",
                                      "WaitMP4EngineFrames"));

@@ -22,6 +22,11 @@ enum {
 __attribute__((visibility("default"), format(printf, 3, 4))) int __android_log_print(
     int priority, const char* tag, const char* format, ...);
 
+/* Whether a line of this priority would be written or heard now: 1 or 0. Here one level holds for
+ * all tags, and there always is one, so that the default is not asked for. Any thread. */
+__attribute__((visibility("default"))) int __android_log_is_loggable(int priority, const char* tag,
+                                                                     int default_priority);
+
 #ifdef __cplusplus
 }
 #endif

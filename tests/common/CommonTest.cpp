@@ -5,6 +5,7 @@
 #include "common/BuildType.h"
 #include "common/FixedPoint.h"
 #include "common/Stopwatch.h"
+#include "common/TaskThread.h"
 #include "support/FakePlatform.h"
 
 using namespace orbitwalk;
@@ -31,6 +32,26 @@ TEST(FixedPoint, TruncatesTowardZeroAndHasNoUndefinedCorner) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(toFixedPoint(c.value), c.stored) << c.value;
+}
+
+TEST(TaskThread, DoesWhatItHasBegunAndLeavesTheRestToItsOwner) {
+    int done = 0, offered = 0;
+    {
+        TaskThread thread([&] { ++done; });
+        thread.settle();
+        EXPECT_EQ(done, 0) << "nothing was offered";
+        for (int last = 0; done < 3; last = done) {
+            thread.begin();
+            ++offered;
+            if (offered % 2 == 0)
+                std::this_thread::yield();
+            thread.settle();
+            ASSERT_TRUE(done == last || done == last + 1);
+        }
+        thread.begin();
+    }
+    EXPECT_LE(done, 4);
+    EXPECT_GE(offered, 3);
 }
 
 TEST(Stopwatch, BorrowsASecondWhenTheMicrosecondDifferenceIsNegative) {

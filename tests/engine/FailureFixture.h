@@ -12,6 +12,9 @@ namespace failure {
 void failAllocation(long n);
 /// Ends this. @return whether that allocation was reached.
 bool allocationFailed();
+/// How many allocations the program's own code has made, on any thread; those of OpenCV's libraries
+/// are not among them.
+long allocations();
 /// How often the log has said since then what an exception was.
 int causes();
 /// Whether pthread_create fails in the program's own code.

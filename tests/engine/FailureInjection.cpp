@@ -13,6 +13,9 @@
 #include <new>
 #include <opencv2/core/mat.hpp>
 
+// By the linker: where the program's own code begins and ends.
+extern "C" const char __executable_start, etext;
+
 namespace {
 
 constinit std::atomic<long> allocationsToGo = 0;
@@ -21,6 +24,7 @@ constinit std::atomic<bool> threadCreationFails = false;
 constinit std::atomic<bool> gateOpen = true;
 constinit std::atomic<int> loggedState = 0;
 constinit std::atomic<int> loggedCauses = 0;
+constinit std::atomic<long> ownAllocations = 0;
 
 void* allocate(std::size_t size, std::size_t alignment) {
     // OpenCV loses a matrix's pixels when the allocation of their header fails, so it never does.
@@ -34,7 +38,13 @@ void* allocate(std::size_t size, std::size_t alignment) {
                : std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
 }
 
-void* allocateOrThrow(std::size_t size, std::size_t alignment = 1) {
+/// OpenCV's allocations come from its own libraries.
+bool isOfThisProgram(const void* caller) {
+    return caller >= &__executable_start && caller < &etext;
+}
+
+void* allocateOrThrow(std::size_t size, const void* caller, std::size_t alignment = 1) {
+    ownAllocations += isOfThisProgram(caller);
     if (void* const memory = allocate(size, alignment))
         return memory;
     throw std::bad_alloc();
@@ -43,13 +53,13 @@ void* allocateOrThrow(std::size_t size, std::size_t alignment = 1) {
 }  // namespace
 
 void* operator new(std::size_t size) {
-    return allocateOrThrow(size);
+    return allocateOrThrow(size, __builtin_return_address(0));
 }
 void* operator new[](std::size_t size) {
-    return allocateOrThrow(size);
+    return allocateOrThrow(size, __builtin_return_address(0));
 }
 void* operator new(std::size_t size, std::align_val_t alignment) {
-    return allocateOrThrow(size, static_cast<std::size_t>(alignment));
+    return allocateOrThrow(size, __builtin_return_address(0), static_cast<std::size_t>(alignment));
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return allocate(size, 1);
@@ -130,6 +140,10 @@ void failAllocation(long n) {
 bool allocationFailed() {
     allocationsToGo = 0;
     return failed;
+}
+
+long allocations() {
+    return ownAllocations;
 }
 
 int causes() {

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <future>
 
+#include "findTransform/Scene.h"
+
 namespace {
 
 /// A capture in which the n-th allocation fails, through the entry points. @return whether it had
@@ -64,6 +66,29 @@ TEST_F(FailureTest, AFailedStartLeavesTheEngineIdleAndTheNextOneSucceeds) {
         listener.await(100);
         listener.mLast = 0;
     }
+}
+
+TEST_F(FailureTest, AFrameOfAWarmCaptureAllocatesNothingOfTheEngines) {
+    param.imageWidth = 1280;
+    param.imageHeight = 720;
+    std::vector<std::vector<unsigned char>> frames;
+    for (int i = 0; i < 12; ++i) {
+        frames.push_back(Scene().frame(1280, 720, {8.0 * i, 1.5 * i, 0.001 * i}, 4));
+        frames.back().resize(1280 * 720 * 3 / 2);
+    }
+    ASSERT_EQ(init(), 0);
+    ASSERT_EQ(start(), 0);
+    float x = 0, y = 0, a = 0;
+    long before = 0;
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        if (i == 3)
+            before = failure::allocations();
+        getTrajectory(frames[i].data(), &x, &y, &a);
+        ASSERT_EQ(provideFrameandTrajectory(frames[i].data(), x, y, a), 1);
+    }
+    EXPECT_EQ(failure::allocations() - before, 0);
+    EXPECT_NEAR(x, 88, 20) << "pixels: there were corners to track";
+    EXPECT_GT(before, 10) << "those of the start";
 }
 
 using FailureDeathTest = FailureTest;

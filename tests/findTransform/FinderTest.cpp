@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
+#include <sched.h>
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
 #include <random>
+#include <span>
 
 #include "Scene.h"
 #include "findTransform/ifindTransform.h"
@@ -135,6 +137,44 @@ TEST(Finder, KeepsItsPictureWhenASecondSizeIsRefused) {
     EXPECT_EQ(finder->Initialize(64, 64), 0);
     std::vector<unsigned char> luma(64 * 64);
     feed(finder, luma.data());
+}
+
+/// What a capture with pauses, gaps and a second Initialize measures, where the process may use so
+/// many cores.
+std::vector<Trajectory> measuredOn(int cores, std::span<const std::vector<unsigned char>> frames) {
+    cpu_set_t all, some;
+    sched_getaffinity(0, sizeof all, &all);
+    CPU_ZERO(&some);
+    for (int core = 0; CPU_COUNT(&some) < cores && core < CPU_SETSIZE; ++core)
+        if (CPU_ISSET(core, &all))
+            CPU_SET(core, &some);
+    sched_setaffinity(0, sizeof some, &some);
+    const Finder finder = started();
+    sched_setaffinity(0, sizeof all, &all);
+    std::vector<Trajectory> measured;
+    std::vector<unsigned char> luma;
+    for (int i = 0; i < 24; ++i) {
+        luma = frames[i % frames.size()];
+        if (i == 17) {
+            EXPECT_EQ(finder->Initialize(kWidth, kHeight), 0);
+        }
+        measured.push_back(feed(finder, i % 9 == 3 ? nullptr : luma.data()));
+        std::fill(luma.begin(), luma.end(), static_cast<unsigned char>(i));
+    }
+    finder->Release();
+    measured.push_back(feed(finder, nullptr));
+    return measured;
+}
+
+TEST(Finder, MeasuresTheSameOnOneCoreAndBesideItsCaller) {
+    std::vector<std::vector<unsigned char>> frames;
+    for (int i = 0; i < 7; ++i)
+        frames.push_back(Scene().frame(kWidth, kHeight, {4.0 * i, 0.2 * i * i, 0.001 * i}, 4));
+    frames.emplace_back(kWidth * kHeight, 90);
+    const std::vector<Trajectory> alone = measuredOn(1, frames);
+    EXPECT_GT(alone.back().x, 60);
+    for (int turn = 0; turn < 3; ++turn)
+        EXPECT_EQ(measuredOn(2, frames), alone);
 }
 
 TEST(Finder, TakesAnySizeThatLeavesAReducedPixel) {

@@ -54,11 +54,22 @@ TEST(TrackFilter, DropsLostTracksAndThoseOfFiftyPixels) {
     EXPECT_EQ(origins, (Points{{1, 0}, {4, 0}}));
 }
 
+TEST(TrackFilter, LosesTracksThatEndAWindowOutsideOfThePicture) {
+    // The window of 21 about (x, y) begins at (x - 10, y - 10).
+    const Points ends = {{-11, 0},    {-11.1f, 0}, {109.9f, 0}, {110, 0},          {0, -11},
+                         {0, -11.1f}, {0, 59.9f},  {0, 60},     {std::nanf(""), 0}};
+    std::vector<unsigned char> status(ends.size(), 1);
+    orbitwalk::loseTracksOutside({100, 50}, 21, ends, status);
+    EXPECT_EQ(status, (std::vector<unsigned char>{1, 0, 1, 0, 1, 0, 1, 0, 0}));
+}
+
 TEST(TrackFilter, KeepsTracksThatReturnWithinThreePixels) {
     Points prev(4);
     Points cur = {{0.6f, 0.8f}, {1, 0}, {0, 1.99f}, {0, 2}};
     Points back = {{3, 0}, {2.999f, 0}, {0, 0}, {1.8f, 2.4f}};
-    EXPECT_EQ(orbitwalk::keepConsistentTracks(prev, cur, back), (std::vector<float>{10, 19}));
+    std::vector<float> displacements = {7};
+    orbitwalk::keepConsistentTracks(prev, cur, back, displacements);
+    EXPECT_EQ(displacements, (std::vector<float>{10, 19}));
     EXPECT_EQ(cur, (Points{{1, 0}, {0, 1.99f}}));
     EXPECT_EQ(prev.size(), 2u);
     EXPECT_EQ(back, (Points{{2.999f, 0}, {0, 0}}));

@@ -1,15 +1,10 @@
 #pragma once
 
 #include <opencv2/core.hpp>
-#include <vector>
+
+#include "findTransform/2D/RigidTransform.h"
 
 namespace orbitwalk {
-
-/// Index i of both arrays is one pair.
-struct PointPairs {
-    std::vector<cv::Point2f> from;
-    std::vector<cv::Point2f> to;
-};
 
 struct TrackedGrid {
     /// In pixels of the reduced images.

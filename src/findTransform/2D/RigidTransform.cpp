@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
-#include <vector>
+#include <span>
 
 #include "findTransform/2D/RigidFit.h"
 #include "findTransform/2D/RigidGrid.h"
@@ -26,7 +26,7 @@ bool isPointSet(const cv::Mat& array) {
     return array.checkVector(2, -1, false) >= 0;
 }
 
-std::vector<cv::Point2f> toPoints(const cv::Mat& array) {
+Points toPoints(const cv::Mat& array) {
     cv::Mat floats;
     array.convertTo(floats, CV_32F);
     const auto* const first = floats.ptr<cv::Point2f>();
@@ -53,64 +53,68 @@ void checkImage(const cv::Mat& image) {
                   __FILE__, __LINE__);
 }
 
-double inlierTolerance(const PointPairs& pairs) {
-    const cv::Rect around = cv::boundingRect(pairs.to);
+double inlierTolerance(const Points& to) {
+    const cv::Rect around = cv::boundingRect(to);
     return std::max(around.width, around.height) * kInlierTolerance;
 }
 
 /// City-block distance between the image of the first point and the second one.
-double residual(const double* m, cv::Point2f from, cv::Point2f to) {
+double residual(const cv::Matx23d& M, cv::Point2f from, cv::Point2f to) {
+    const double* const m = M.val;
     return std::abs(m[0] * from.x + m[1] * from.y + m[2] - to.x) +
            std::abs(m[3] * from.x + m[4] * from.y + m[5] - to.y);
 }
 
-cv::Mat fit(const std::vector<cv::Point2f>& from, const std::vector<cv::Point2f>& to,
-            bool fullAffine) {
-    cv::Mat M(2, 3, CV_64F);
+cv::Matx23d fit(std::span<const cv::Point2f> from, std::span<const cv::Point2f> to,
+                bool fullAffine) {
+    cv::Matx23d m;
+    cv::Mat M(2, 3, CV_64F, m.val);
     getRTMatrix(from.data(), to.data(), static_cast<int>(from.size()), M, fullAffine);
-    return M;
+    return m;
 }
 
-cv::Mat fitToSample(const PointPairs& pairs, const SampleIndices& sample, bool fullAffine) {
-    std::vector<cv::Point2f> from, to;
-    for (const int i : sample) {
-        from.push_back(pairs.from[i]);
-        to.push_back(pairs.to[i]);
-    }
-    return fit(from, to, fullAffine);
+cv::Matx23d fitToSample(const Points& from, const Points& to, const SampleIndices& sample,
+                        bool fullAffine) {
+    const cv::Point2f a[] = {from[sample[0]], from[sample[1]], from[sample[2]]};
+    const cv::Point2f b[] = {to[sample[0]], to[sample[1]], to[sample[2]]};
+    return fit(a, b, fullAffine);
 }
 
-PointPairs inliersOf(const cv::Mat& M, const PointPairs& pairs, double tolerance) {
-    PointPairs inliers;
-    for (std::size_t i = 0; i < pairs.from.size(); ++i) {
-        if (residual(M.ptr<double>(), pairs.from[i], pairs.to[i]) < tolerance) {
-            inliers.from.push_back(pairs.from[i]);
-            inliers.to.push_back(pairs.to[i]);
+void findInliers(const cv::Matx23d& M, const Points& from, const Points& to, double tolerance,
+                 PointPairs& inliers) {
+    inliers.from.clear();
+    inliers.to.clear();
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        if (residual(M, from[i], to[i]) < tolerance) {
+            inliers.from.push_back(from[i]);
+            inliers.to.push_back(to[i]);
         }
     }
-    return inliers;
 }
 
-/// Random samples until one agrees with half of the pairs, then a fit to all that agree.
-cv::Mat fitToConsensus(const PointPairs& pairs, bool fullAffine) {
-    if (pairs.from.size() < 3)
-        return {};
-    const double tolerance = inlierTolerance(pairs);
-    const double wanted = static_cast<double>(pairs.from.size()) * kInlierRatio;
-    cv::RNG random(0xffffffffffffffffULL);
-    for (int iteration = 0; iteration < kMaxIterations; ++iteration) {
-        const auto sample = drawSample(random, pairs.from, pairs.to);
-        if (!sample)
-            continue;
-        const cv::Mat M = fitToSample(pairs, *sample, fullAffine);
-        const PointPairs inliers = inliersOf(M, pairs, tolerance);
-        if (static_cast<double>(inliers.from.size()) >= wanted)
-            return fit(inliers.from, inliers.to, fullAffine);
-    }
-    return {};
+cv::Mat matrixOf(const std::optional<cv::Matx23d>& transform) {
+    return transform ? cv::Mat(*transform) : cv::Mat();
 }
 
 }  // namespace
+
+std::optional<cv::Matx23d> fitToConsensus(const Points& from, const Points& to, bool fullAffine,
+                                          PointPairs& inliers) {
+    if (from.size() < 3)
+        return std::nullopt;
+    const double tolerance = inlierTolerance(to);
+    const double wanted = static_cast<double>(from.size()) * kInlierRatio;
+    cv::RNG random(0xffffffffffffffffULL);
+    for (int iteration = 0; iteration < kMaxIterations; ++iteration) {
+        const auto sample = drawSample(random, from, to);
+        if (!sample)
+            continue;
+        findInliers(fitToSample(from, to, *sample, fullAffine), from, to, tolerance, inliers);
+        if (static_cast<double>(inliers.from.size()) >= wanted)
+            return fit(inliers.from, inliers.to, fullAffine);
+    }
+    return std::nullopt;
+}
 
 cv::Mat rigidTransform(cv::InputArray src, cv::InputArray dst, bool fullAffine) {
     const cv::Mat a = src.getMat();
@@ -118,16 +122,17 @@ cv::Mat rigidTransform(cv::InputArray src, cv::InputArray dst, bool fullAffine) 
     checkAlike(a, b);
     if (a.empty())
         return {};
+    PointPairs inliers;
     if (isPointSet(a))
-        return fitToConsensus({toPoints(a), toPoints(b)}, fullAffine);
+        return matrixOf(fitToConsensus(toPoints(a), toPoints(b), fullAffine, inliers));
     checkImage(a);
     const TrackedGrid grid = trackGrid(a, b);
-    cv::Mat M = fitToConsensus(grid.pairs, fullAffine);
-    if (!M.empty()) {
-        M.at<double>(0, 2) /= grid.scale;
-        M.at<double>(1, 2) /= grid.scale;
+    auto M = fitToConsensus(grid.pairs.from, grid.pairs.to, fullAffine, inliers);
+    if (M) {
+        (*M)(0, 2) /= grid.scale;
+        (*M)(1, 2) /= grid.scale;
     }
-    return M;
+    return matrixOf(M);
 }
 
 }  // namespace orbitwalk

@@ -1,5 +1,6 @@
 #include "findTransform/2D/TrackFilter.h"
 
+#include <array>
 #include <cmath>
 #include <memory>
 #include <new>
@@ -12,6 +13,8 @@ namespace {
 
 constexpr float kLongestTrack = 50.0f;
 constexpr float kLargestReturnError = 3.0f;
+/// Tenths of a pixel: the longest tracks that are kept need no more.
+constexpr int kUsualBins = 512;
 
 /// Moves the tracks for which keep(index) holds to the front of every array and cuts the rest off.
 template <typename Keep, typename... Arrays>
@@ -67,6 +70,16 @@ float distance(cv::Point2f p, cv::Point2f q) {
     return std::sqrt(dx * dx + dy * dy);
 }
 
+void loseTracksOutside(cv::Size picture, int window, std::span<const cv::Point2f> ends,
+                       std::span<unsigned char> status) {
+    const float half = static_cast<float>(window - 1) * 0.5f;
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        const int left = cvFloor(ends[i].x - half), top = cvFloor(ends[i].y - half);
+        if (left < -window || left >= picture.width || top < -window || top >= picture.height)
+            status[i] = 0;
+    }
+}
+
 void dropLostTracks(std::span<const unsigned char> status, Points& from, Points& to) {
     keepTracks(
         status.size(), [&](std::size_t i) { return isFollowed(status[i], from[i], to[i]); }, from,
@@ -80,9 +93,9 @@ void dropLostTracks(std::span<const unsigned char> status, Points& from, Points&
         to, origins);
 }
 
-std::vector<float> keepConsistentTracks(Points& prev, Points& cur, Points& back) {
-    std::vector<float> displacements;
-    displacements.reserve(cur.size());
+void keepConsistentTracks(Points& prev, Points& cur, Points& back,
+                          std::vector<float>& displacements) {
+    displacements.clear();
     const auto returns = [&](std::size_t i) {
         if (!(distance(prev[i], back[i]) < kLargestReturnError))
             return false;
@@ -91,7 +104,6 @@ std::vector<float> keepConsistentTracks(Points& prev, Points& cur, Points& back)
         return true;
     };
     keepTracks(cur.size(), returns, prev, cur, back);
-    return displacements;
 }
 
 void keepSmallerMotions(std::span<const float> displacements, float threshold, Points& prev,
@@ -105,15 +117,21 @@ std::optional<float> otsuThreshold(std::span<const float> values) {
     const int bins = values.empty() ? 0 : truncateToInt32(values.back() + 1.0f);
     if (bins < 1)
         return 0.0f;
-    const std::unique_ptr<int[]> histogram(new (std::nothrow) int[bins]());
-    if (!histogram)
-        return std::nullopt;
+    std::array<int, kUsualBins> usual{};
+    std::unique_ptr<int[]> many;
+    std::span<int> histogram(usual);
+    if (bins > kUsualBins) {
+        many.reset(new (std::nothrow) int[bins]());
+        if (!many)
+            return std::nullopt;
+        histogram = {many.get(), static_cast<std::size_t>(bins)};
+    }
     float sum = 0;
     for (const float value : values) {
         sum += value;
         histogram[static_cast<int>(value)] += 1;
     }
-    return bestSplit({histogram.get(), static_cast<std::size_t>(bins)},
+    return bestSplit(histogram.first(static_cast<std::size_t>(bins)),
                      static_cast<int>(values.size()), sum);
 }
 

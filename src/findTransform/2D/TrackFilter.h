@@ -18,6 +18,12 @@ constexpr int kFewestTracks = 20;
 /// Euclidean distance in single precision.
 float distance(cv::Point2f p, cv::Point2f q);
 
+/// Marks the tracks as lost (status 0) that end outside of the picture and the tracker's window
+/// about it. The tracker itself looks for these only when it is asked for errors too, which nobody
+/// here reads and which take a tenth of its time.
+void loseTracksOutside(cv::Size picture, int window, std::span<const cv::Point2f> ends,
+                       std::span<unsigned char> status);
+
 /// Drops the tracks that the tracker lost (status other than 1) and those of 50 pixels or more.
 /// @param status  the tracker's, one per track
 void dropLostTracks(std::span<const unsigned char> status, Points& from, Points& to);
@@ -27,8 +33,10 @@ void dropLostTracks(std::span<const unsigned char> status, Points& from, Points&
                     Points& origins);
 
 /// Forward-backward check: drops the tracks that return 3 pixels or more from their start.
-/// @return the displacement of each kept track in tenths of a pixel, truncated to whole numbers.
-std::vector<float> keepConsistentTracks(Points& prev, Points& cur, Points& back);
+/// @param displacements  receives that of each kept track, in tenths of a pixel, truncated to whole
+///                       numbers.
+void keepConsistentTracks(Points& prev, Points& cur, Points& back,
+                          std::vector<float>& displacements);
 
 /// Drops the tracks whose displacement is above the threshold: foreground or mismatches.
 /// @param displacements  one per track

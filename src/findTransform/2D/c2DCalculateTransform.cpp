@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <opencv2/video/tracking.hpp>
+#include <system_error>
 #include <utility>
 
 #include "common/BuildType.h"
@@ -12,17 +13,6 @@
 namespace {
 
 constexpr char kLogTag[] = "ORBITWALK_ENGINE 2D_CALCULATE_TRANSFORM";
-
-std::vector<unsigned char> track(const cv::Mat& from, const cv::Mat& to,
-                                 const std::vector<cv::Point2f>& points,
-                                 std::vector<cv::Point2f>& tracked) {
-    const cv::TermCriteria criteria(cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.01);
-    std::vector<unsigned char> status;
-    std::vector<float> error;
-    cv::calcOpticalFlowPyrLK(from, to, points, tracked, status, error, cv::Size(21, 21), 3,
-                             criteria, 0, 0.0001);
-    return status;
-}
 
 }  // namespace
 
@@ -57,24 +47,48 @@ int c2DCalculateTransform::Initialize(int frameWidth, int frameHeight) {
     const int reducedHeight = frameHeight / orbitwalk::kReduction;
     // Everything that may throw comes first. The pictures begin as zeros: the reduction leaves some
     // of their bytes unwritten and the tracker's windows reach those.
-    cv::Mat identity = cv::Mat::eye(2, 3, CV_64F);
-    std::vector<unsigned char> even(std::size_t(reducedWidth) * reducedHeight);
-    std::vector<unsigned char> odd(even.size());
+    orbitwalk::Picture even, odd;
+    for (orbitwalk::Picture* const picture : {&even, &odd})
+        picture->reset({reducedWidth, reducedHeight});
     auto rows = orbitwalk::reductionTable(frameHeight, reducedHeight);
     auto columns = orbitwalk::reductionTable(frameWidth, reducedWidth);
+    reserveForCapture();
+    orbitwalk::keepTemporaries(even.view().size());
+    startPreparing();
 
     width = frameWidth;
     height = frameHeight;
-    lastTransform = std::move(identity);
+    lastTransform = cv::Matx23d::eye();
     rszWidth = reducedWidth;
     rszHeight = reducedHeight;
     rszFactor = orbitwalk::kReduction;
-    frameBuf[0] = std::move(even);
-    frameBuf[1] = std::move(odd);
+    pictures = {std::move(even), std::move(odd)};
     rowIndexTable = std::move(rows);
     colIndexTable = std::move(columns);
     readBuildType();
     return 0;
+}
+
+void c2DCalculateTransform::reserveForCapture() {
+    prevToCurTransforms.reserve(kFramesWithPoints + 1);
+    trajectory.reserve(kFramesWithPoints + 1);
+    keyPointsPrev.reserve(kMostKeyPoints);
+    keyPointsCur.reserve(kMostKeyPoints);
+    keyPointsEnd.reserve(kFramesWithPoints);
+    for (auto* const points : {&prevPts, &curPts, &backPts, &inliers.from, &inliers.to})
+        points->reserve(orbitwalk::kMostCorners);
+    for (auto* const values : {&displacements, &sortedDisplacements})
+        values->reserve(orbitwalk::kMostCorners);
+    trackStatus.reserve(orbitwalk::kMostCorners);
+}
+
+/// A finder without the thread measures the same, later.
+void c2DCalculateTransform::startPreparing() try {
+    settlePreparation();
+    if (!preparation && orbitwalk::TaskThread::pays())
+        preparation =
+            std::make_unique<orbitwalk::TaskThread>([this] { pictures[preparedIndex].prepare(); });
+} catch (const std::system_error&) {
 }
 
 void c2DCalculateTransform::readBuildType() {
@@ -87,8 +101,9 @@ void c2DCalculateTransform::readBuildType() {
 
 void c2DCalculateTransform::Release() {
     logInfo("c2DCalculateTransform::Release Enter");
-    for (auto& buffer : frameBuf)
-        std::vector<unsigned char>().swap(buffer);
+    preparation.reset();
+    for (orbitwalk::Picture& picture : pictures)
+        picture.reset();
     std::vector<std::uint16_t>().swap(rowIndexTable);
     std::vector<std::uint16_t>().swap(colIndexTable);
     logInfo("c2DCalculateTransform::Release Exit");
@@ -129,48 +144,63 @@ void c2DCalculateTransform::getCumulativeTransform(double* x, double* y, double*
     ++cumulativeCount;
 }
 
-int c2DCalculateTransform::TrackPointsWithOpticalFlow(cv::Mat& img0, cv::Mat& img1,
+void c2DCalculateTransform::track(orbitwalk::Picture& from, orbitwalk::Picture& to,
+                                  const std::vector<cv::Point2f>& points,
+                                  std::vector<cv::Point2f>& tracked) {
+    const cv::Size window(orbitwalk::kTrackingWindow, orbitwalk::kTrackingWindow);
+    const cv::TermCriteria criteria(cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.01);
+    cv::calcOpticalFlowPyrLK(from.pyramid(), to.pyramid(), points, tracked, trackStatus,
+                             cv::noArray(), window, orbitwalk::kTopLevel, criteria, 0, 0.0001);
+    orbitwalk::loseTracksOutside(to.view().size(), window.width, tracked, trackStatus);
+}
+
+int c2DCalculateTransform::TrackPointsWithOpticalFlow(orbitwalk::Picture& img0,
+                                                      orbitwalk::Picture& img1,
                                                       std::vector<cv::Point2f>& pts0,
                                                       std::vector<cv::Point2f>& pts1) {
     logInfo("TrackPointsWithOpticalFlow : LK_OPENCV");
-    orbitwalk::dropLostTracks(track(img0, img1, pts0, pts1), pts0, pts1);
+    track(img0, img1, pts0, pts1);
+    orbitwalk::dropLostTracks(trackStatus, pts0, pts1);
     return 0;
 }
 
-int c2DCalculateTransform::TrackPointsWithOpticalFlowBackward(cv::Mat& img0, cv::Mat& img1,
+int c2DCalculateTransform::TrackPointsWithOpticalFlowBackward(orbitwalk::Picture& img0,
+                                                              orbitwalk::Picture& img1,
                                                               std::vector<cv::Point2f>& pts0,
                                                               std::vector<cv::Point2f>& pts1,
                                                               std::vector<cv::Point2f>& ptsOther) {
     logInfo("TrackPointsWithOpticalFlowBackward : LK_OPENCV");
-    orbitwalk::dropLostTracks(track(img0, img1, pts0, pts1), pts0, pts1, ptsOther);
+    track(img0, img1, pts0, pts1);
+    orbitwalk::dropLostTracks(trackStatus, pts0, pts1, ptsOther);
     return 0;
 }
 
-int c2DCalculateTransform::FilterkeyPoints(std::vector<cv::Point2f>& prevPts,
-                                           std::vector<cv::Point2f>& curPts,
-                                           std::vector<cv::Point2f>& backPts) {
+int c2DCalculateTransform::FilterkeyPoints(std::vector<cv::Point2f>& keptPrev,
+                                           std::vector<cv::Point2f>& keptCur,
+                                           std::vector<cv::Point2f>& keptBack) {
     const auto logSizes = [&, operation = __func__] {
         if (engBuild)
             logInfo("%s backward forward consistency done %d %d", operation,
-                    static_cast<int>(prevPts.size()), static_cast<int>(curPts.size()));
+                    static_cast<int>(keptPrev.size()), static_cast<int>(keptCur.size()));
     };
-    const std::vector<float> disp = orbitwalk::keepConsistentTracks(prevPts, curPts, backPts);
+    orbitwalk::keepConsistentTracks(keptPrev, keptCur, keptBack, displacements);
     logSizes();
-    if (prevPts.size() < orbitwalk::kFewestTracks)
+    if (keptPrev.size() < orbitwalk::kFewestTracks)
         return 0;
 
-    std::vector<float> sorted = disp;
+    std::vector<float>& sorted = sortedDisplacements;
+    sorted = displacements;
     std::sort(sorted.begin(), sorted.end());
     float threshold = sorted[sorted.size() / 2];
     logInfo("OTSUTHRESHOLDING : threshold value median = %f\n", static_cast<double>(threshold));
     OTsuThreshold(sorted, threshold);
     logInfo("OTSUTHRESHOLDING : threshold value otsu  = %f\n", static_cast<double>(threshold));
-    orbitwalk::keepSmallerMotions(disp, threshold, prevPts, curPts, backPts);
+    orbitwalk::keepSmallerMotions(displacements, threshold, keptPrev, keptCur, keptBack);
     logSizes();
     return 0;
 }
 
-int c2DCalculateTransform::OTsuThreshold(std::vector<float> values, float& threshold) {
+int c2DCalculateTransform::OTsuThreshold(const std::vector<float>& values, float& threshold) {
     const auto split = orbitwalk::otsuThreshold(values);
     if (!split)
         return 1;

@@ -1,10 +1,7 @@
 #include <cmath>
-#include <opencv2/imgproc.hpp>
 
 #include "common/Log.h"
 #include "common/Stopwatch.h"
-#include "findTransform/2D/LumaReduction.h"
-#include "findTransform/2D/RigidTransform.h"
 #include "findTransform/2D/TrackFilter.h"
 #include "findTransform/2D/c2DCalculateTransform.h"
 
@@ -22,19 +19,15 @@ bool tooFew(const std::vector<cv::Point2f>& points) {
     return count(points) < orbitwalk::kFewestTracks;
 }
 
-/// The motion that a transform [c -s tx; s c ty] stands for, without the scale that it may contain;
-/// an empty one is no motion.
-orbitwalk::Trajectory motionOf(const cv::Mat& transform) {
-    if (transform.empty())
-        return {};
-    return {transform.at<double>(0, 2), transform.at<double>(1, 2),
-            std::atan2(transform.at<double>(1, 0), transform.at<double>(0, 0))};
+/// The motion that a transform [c -s tx; s c ty] stands for, without the scale that it may contain.
+orbitwalk::Trajectory motionOf(const cv::Matx23d& transform) {
+    return {transform(0, 2), transform(1, 2), std::atan2(transform(1, 0), transform(0, 0))};
 }
 
 /// From reduced to full-size pixels: only the translation has a unit.
-void scaleTranslation(cv::Mat& transform, double factor) {
-    transform.at<double>(0, 2) *= factor;
-    transform.at<double>(1, 2) *= factor;
+void scaleTranslation(cv::Matx23d& transform, double factor) {
+    transform(0, 2) *= factor;
+    transform(1, 2) *= factor;
 }
 
 }  // namespace
@@ -50,38 +43,47 @@ int c2DCalculateTransform::CalculatePrevToCurTransform(unsigned char* frame) {
     const int PrevIndx = (frameIndex - 1) % 2;
     logInfo("CalculatePrevToCurTransform Frm[%d] : CurIndx = %d PrevIndx = %d \n", frameIndex,
             CurIndx, PrevIndx);
+    settlePreparation();
     reducePicture(frame, PrevIndx, CurIndx);
-    if (frameIndex == 0) {
+    if (frameIndex == 0)
         ++frameIndex;
-        return 0;
-    }
-    appendTransform(measureMotion(PrevIndx, CurIndx));
+    else
+        appendTransform(measureMotion(pictures[PrevIndx], pictures[CurIndx]));
+    prepareForNextFrame(CurIndx);
     return 0;
+}
+
+void c2DCalculateTransform::prepareForNextFrame(int index) {
+    if (!preparation)
+        return;
+    preparedIndex = index;
+    preparation->begin();
+}
+
+void c2DCalculateTransform::settlePreparation() {
+    if (preparation)
+        preparation->settle();
 }
 
 void c2DCalculateTransform::reducePicture(unsigned char* frame, int PrevIndx, int CurIndx) {
     if (engBuild) {
-        const void* const prevBuf = PrevIndx < 0 ? nullptr : frameBuf[PrevIndx].data();
+        const void* const prevBuf = PrevIndx < 0 ? nullptr : pictures[PrevIndx].pixels();
         logInfo(
             "CalculatePrevToCurTransform: resize before, src = %p, rszFactor=%d prevBuf = %p "
             "curBuf = %p",
             static_cast<void*>(frame), rszFactor, prevBuf,
-            static_cast<void*>(frameBuf[CurIndx].data()));
+            static_cast<const void*>(pictures[CurIndx].pixels()));
     }
     const orbitwalk::ScopedTiming timing("CalculatePrevToCurTransform:ResizeOPT");
-    resizeImage_Y(frame, frameBuf[CurIndx].data(), width, height, rszWidth, rszHeight);
+    resizeImage_Y(frame, pictures[CurIndx].rewrite(), width, height, rszWidth, rszHeight);
 }
 
-orbitwalk::Trajectory c2DCalculateTransform::measureMotion(int PrevIndx, int CurIndx) {
-    const auto view = [this](int index) {
-        return orbitwalk::centralView({rszHeight, rszWidth, CV_8UC1, frameBuf[index].data()});
-    };
-    cv::Mat prevView = view(PrevIndx);
-    cv::Mat curView = view(CurIndx);
-    logInfo("CalculatePrevToCurTransform: image range :  %dx%d  %dx%d", prevView.cols,
-            prevView.rows, curView.cols, curView.rows);
+orbitwalk::Trajectory c2DCalculateTransform::measureMotion(orbitwalk::Picture& prev,
+                                                           orbitwalk::Picture& cur) {
+    logInfo("CalculatePrevToCurTransform: image range :  %dx%d  %dx%d", prev.view().cols,
+            prev.view().rows, cur.view().cols, cur.view().rows);
 
-    std::vector<cv::Point2f> prevPts = selectCorners(prevView);
+    selectCorners(prev);
     if (tooFew(prevPts)) {
         logInfo("%s  prevFeaturePoints insufficeint frame number %d  %d ", kOperation, frameIndex,
                 count(prevPts));
@@ -89,38 +91,33 @@ orbitwalk::Trajectory c2DCalculateTransform::measureMotion(int PrevIndx, int Cur
     }
     const orbitwalk::ScopedTiming timing(
         "CalculatePrevToCurTransform:profile feature_tracking_and_transform_estimation");
-    std::vector<cv::Point2f> curPts;
-    if (!trackForward(prevView, curView, prevPts, curPts) ||
-        !trackBackward(prevView, curView, prevPts, curPts))
+    if (!trackForward(prev, cur) || !trackBackward(prev, cur))
         return repeatLastMotion();
-    return estimateMotion(prevPts, curPts);
+    return estimateMotion();
 }
 
-std::vector<cv::Point2f> c2DCalculateTransform::selectCorners(const cv::Mat& view) const {
-    std::vector<cv::Point2f> corners;
+void c2DCalculateTransform::selectCorners(orbitwalk::Picture& picture) {
     {
         const orbitwalk::ScopedTiming timing(
             "CalculatePrevToCurTransform:profile feature_extract_capture");
-        cv::goodFeaturesToTrack(view, corners, 2000, 0.05, 10.0, cv::noArray(), 3, false, 0.04);
+        prevPts = picture.corners();
     }
     logInfo("CalculatePrevToCurTransform:key points : GFTT_OPENCV Point2f size : %d",
-            count(corners));
+            count(prevPts));
     if (engBuild)
         logInfo("%s prevFeaturePoints  frame number %d roi = %d  w: %d ", kOperation, frameIndex,
-                count(corners), view.cols);
-    return corners;
+                count(prevPts), picture.view().cols);
 }
 
-bool c2DCalculateTransform::trackForward(cv::Mat& prevView, cv::Mat& curView,
-                                         std::vector<cv::Point2f>& prevPts,
-                                         std::vector<cv::Point2f>& curPts) {
+bool c2DCalculateTransform::trackForward(orbitwalk::Picture& prev, orbitwalk::Picture& cur) {
+    curPts.clear();
     if (engBuild)
         logInfo("%s forward tracking frame number %d enter prev points currpoints %d %d",
                 kOperation, frameIndex, count(prevPts), count(curPts));
     {
         const orbitwalk::ScopedTiming timing(
             "CalculatePrevToCurTransform:profile feature_track_forward");
-        TrackPointsWithOpticalFlow(prevView, curView, prevPts, curPts);
+        TrackPointsWithOpticalFlow(prev, cur, prevPts, curPts);
     }
     if (engBuild)
         logInfo("%s forward tracking frame number %d exit prev points currpoints %d %d", kOperation,
@@ -133,17 +130,14 @@ bool c2DCalculateTransform::trackForward(cv::Mat& prevView, cv::Mat& curView,
     return true;
 }
 
-bool c2DCalculateTransform::trackBackward(cv::Mat& prevView, cv::Mat& curView,
-                                          std::vector<cv::Point2f>& prevPts,
-                                          std::vector<cv::Point2f>& curPts) {
-    std::vector<cv::Point2f> backPts;
+bool c2DCalculateTransform::trackBackward(orbitwalk::Picture& prev, orbitwalk::Picture& cur) {
     if (engBuild)
         logInfo("%s backward tracking frame number %d enter prev points currpoints %d %d",
                 kOperation, frameIndex, count(prevPts), count(curPts));
     {
         const orbitwalk::ScopedTiming timing(
             "CalculatePrevToCurTransform:profile feature_track_backward");
-        TrackPointsWithOpticalFlowBackward(curView, prevView, curPts, backPts, prevPts);
+        TrackPointsWithOpticalFlowBackward(cur, prev, curPts, backPts, prevPts);
     }
     if (engBuild)
         logInfo("%s backward tracking frame number %d exit prev points currpoints %d %d",
@@ -164,13 +158,12 @@ bool c2DCalculateTransform::trackBackward(cv::Mat& prevView, cv::Mat& curView,
     return true;
 }
 
-orbitwalk::Trajectory c2DCalculateTransform::estimateMotion(
-    const std::vector<cv::Point2f>& prevPts, const std::vector<cv::Point2f>& curPts) {
-    cv::Mat transform = orbitwalk::rigidTransform(prevPts, curPts, false);
+orbitwalk::Trajectory c2DCalculateTransform::estimateMotion() {
+    auto transform = orbitwalk::fitToConsensus(prevPts, curPts, false, inliers);
     keepPoints(prevPts, curPts);
-    if (!transform.empty()) {
-        scaleTranslation(transform, rszFactor);
-        lastTransform = transform;
+    if (transform) {
+        scaleTranslation(*transform, rszFactor);
+        lastTransform = *transform;
     }
     return motionOf(lastTransform);
 }
@@ -187,10 +180,13 @@ void c2DCalculateTransform::appendTransform(const orbitwalk::Trajectory& motion)
     ++frameIndex;
 }
 
-void c2DCalculateTransform::keepPoints(const std::vector<cv::Point2f>& prevPts,
-                                       const std::vector<cv::Point2f>& curPts) {
-    if (frameIndex >= kFramesWithPoints)
+void c2DCalculateTransform::keepPoints(std::span<const cv::Point2f> prev,
+                                       std::span<const cv::Point2f> cur) {
+    const auto frame = static_cast<std::size_t>(frameIndex);
+    if (frame >= kFramesWithPoints || keyPointsPrev.size() + prev.size() > kMostKeyPoints)
         return;
-    keyPointsPrev[frameIndex] = prevPts;
-    keyPointsCur[frameIndex] = curPts;
+    keyPointsEnd.resize(frame + 1, keyPointsPrev.size());
+    keyPointsPrev.insert(keyPointsPrev.end(), prev.begin(), prev.end());
+    keyPointsCur.insert(keyPointsCur.end(), cur.begin(), cur.end());
+    keyPointsEnd[frame] = keyPointsPrev.size();
 }

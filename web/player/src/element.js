@@ -34,6 +34,8 @@ export class OrbitwalkPlayer extends PlayerAttributes {
     /** Ends what the current sweep is loaded and shown by. */
     #loading = new AbortController();
     #isScheduled = false;
+    /** Nobody has paused this sweep yet, which then plays by itself where it may. */
+    #isFresh = false;
     /** Bytes given to open, instead of the attributes. @type {import("./sweep.js").SweepFiles | null} */
     #given = null;
     /** @type {LoadedSweep | null} */
@@ -126,6 +128,7 @@ export class OrbitwalkPlayer extends PlayerAttributes {
 
     pause() {
         this.#paused = true;
+        this.#isFresh = false;
         cancelAnimationFrame(this.#ticking);
         this.#update();
     }
@@ -219,6 +222,7 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         if (!files.video || !files.record)
             return this.#update();
         const {signal} = this.#loading;
+        this.#isFresh = true;
         const opening = this.#open(files, signal);
         this.#opening = opening;
         for (const tell of this.#early.splice(0))
@@ -256,7 +260,7 @@ export class OrbitwalkPlayer extends PlayerAttributes {
         const shown = this.#show(this.#frame);
         await shown.catch(() => {});
         const isStill = matchMedia("(prefers-reduced-motion: reduce)").matches;
-        if (!signal.aborted && this.autoplay && !isStill && !this.#stage.isSaying)
+        if (!signal.aborted && this.autoplay && this.#isFresh && !isStill)
             this.play().catch(() => {});
     }
 

@@ -181,9 +181,10 @@ async function testControls(harness, t) {
 }
 
 async function testPreferences(harness, t) {
-    await t.test("less motion: no autoplay", async () => {
-        for (const [reducedMotion, paused] of [["reduce", true], ["no-preference", false]]) {
-            const page = await harness.openPage({reducedMotion});
+    await t.test("less motion or a pause before it begins: no autoplay", async () => {
+        for (const [reducedMotion, pauses, paused] of [["reduce", false, true], ["no-preference", true, true], ["no-preference", false, false]]) {
+            const page = await harness.openPage({reducedMotion, before: pauses ? () =>
+                addEventListener("ready", ({target}) => target.pause(), true) : undefined});
             await addPlayer(page, {...sourceOf("plain"), autoplay: "", loop: ""});
             await page.evaluate(() => globalThis.player.seekToFrame(3));
             await page.waitForTimeout(300);

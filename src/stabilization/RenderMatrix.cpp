@@ -4,6 +4,7 @@
 #include <opencv2/core.hpp>
 
 #include "common/FixedPoint.h"
+#include "stabilization/TransposeInverse.h"
 
 namespace orbitwalk {
 
@@ -39,10 +40,13 @@ cv::Mat rigidMatrix(const Trajectory& transform) {
 FixedMatrix renderMatrix(const cv::Mat& rigid) {
     if (!cv::checkRange(rigid))
         return kIdentityMatrix;
-    const cv::Mat inverse = rigid.t().inv(cv::DECOMP_SVD);
+    Matrix3 rows;
+    for (int i = 0; i < 9; ++i)
+        rows[i / 3][i % 3] = rigid.at<double>(i / 3, i % 3);
+    const Matrix3 inverse = inverseOfTranspose(rows);
     FixedMatrix fixed{};
     for (int i = 0; i < 9; ++i)
-        fixed[i] = toFixedPoint(inverse.at<double>(i / 3, i % 3));
+        fixed[i] = toFixedPoint(inverse[i / 3][i % 3]);
     return isInvertible(fixed) ? fixed : kIdentityMatrix;
 }
 

@@ -2,8 +2,11 @@
 
 #include <cmath>
 #include <limits>
+#include <opencv2/core.hpp>
+#include <random>
 
 #include "Sweeps.h"
+#include "common/FixedPoint.h"
 #include "stabilization/CameraPath.h"
 #include "stabilization/FeedbackSearch.h"
 #include "stabilization/RenderMatrix.h"
@@ -140,6 +143,29 @@ TEST(RenderMatrix, IsTheIdentityForAMotionThatHasNoInverse) {
         EXPECT_EQ(rendered({0, value, 0}), kIdentityMatrix) << value;
     }
     EXPECT_EQ(rendered({0, 0, kInfinity}), kIdentityMatrix);
+}
+
+TEST(RenderMatrix, HoldsWhatOpenCVInvertsToTheUnit) {
+    std::mt19937 random(7);
+    const auto uniform = [&random](double range) {
+        return (static_cast<double>(random()) / 0x1p31 - 1) * range;
+    };
+#ifdef __aarch64__
+    constexpr int kUnits = 1;  // built with fused multiply and add
+#else
+    constexpr int kUnits = 0;
+#endif
+    for (int i = 0; i < 100000; ++i) {
+        const double ranges[] = {0, 1, 30, 2000};
+        const cv::Mat rigid =
+            rigidMatrix({uniform(ranges[random() % 4]), uniform(ranges[random() % 4]),
+                         uniform(ranges[random() % 4] / 600)});
+        const cv::Mat inverse = rigid.t().inv(cv::DECOMP_SVD);
+        const FixedMatrix matrix = renderMatrix(rigid);
+        for (int k = 0; k < 9; ++k)
+            ASSERT_LE(std::abs(matrix[k] - toFixedPoint(inverse.at<double>(k / 3, k % 3))), kUnits)
+                << rigid << ", element " << k;
+    }
 }
 
 }  // namespace

@@ -9,6 +9,8 @@ make_sysroot() {
     local wanted="$architecture $*"
     [ "$(cat "$root/.packages" 2>/dev/null)" = "$wanted" ] && return
     local state=$root.apt
+    # What lies in the archives is unpacked: packages of an earlier wish, or versions that have gone, must not.
+    rm -rf "$state/archives"
     mkdir -p "$state/lists/partial" "$state/archives/partial"
     : >"$state/status"
     # The lists of packages are this machine's, so that a mirror is asked that it reaches.

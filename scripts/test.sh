@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is needed, builds, and runs the tests.
-#   scripts/test.sh [PRESET...]     release (the default), debug, asan, tsan; arm64 (under emulation)
+#   scripts/test.sh [PRESET...]     release (the default), debug, asan, tsan; arm64, armhf (under emulation)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -19,6 +19,7 @@ install_packages "${packages_build[@]}" "${packages_demo[@]}" "${packages_test[@
 for preset in "${@:-release}"; do
     case $preset in
         arm64) prepare_machine arm64 aarch64-linux-gnu ;;
+        armhf) prepare_machine armhf arm-linux-gnueabihf ;;
     esac
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset"

@@ -1,18 +1,5 @@
-# Debian's cross compiler for arm64. ORBITWALK_SYSROOT is a folder with Debian's packages of that machine, as scripts/test.sh
-# makes it; programs are run by qemu's user mode.
-set(CMAKE_SYSTEM_NAME Linux)
+# 64-bit ARM.
+set(ORBITWALK_MACHINE aarch64-linux-gnu)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
-set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-
-set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ORBITWALK_SYSROOT)
-set(CMAKE_SYSROOT ${ORBITWALK_SYSROOT})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(ENV{PKG_CONFIG_DIR} "")
-set(ENV{PKG_CONFIG_LIBDIR} ${ORBITWALK_SYSROOT}/usr/lib/aarch64-linux-gnu/pkgconfig:${ORBITWALK_SYSROOT}/usr/share/pkgconfig)
-set(ENV{PKG_CONFIG_SYSROOT_DIR} ${ORBITWALK_SYSROOT})
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64;-L;${ORBITWALK_SYSROOT})
+set(ORBITWALK_EMULATOR qemu-aarch64)
+include(${CMAKE_CURRENT_LIST_DIR}/debian.cmake)

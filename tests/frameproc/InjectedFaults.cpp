@@ -70,7 +70,9 @@ void failSemaphoreInit(bool fails) {
     semaphoreFails = fails;
 }
 
-NoThreads::NoThreads() : mStackSize(setDefaultStackSize(std::size_t{1} << 48)) {}
+// Three quarters of what an address can name.
+NoThreads::NoThreads()
+    : mStackSize(setDefaultStackSize(std::size_t{3} << (8 * sizeof(std::size_t) - 2))) {}
 
 NoThreads::~NoThreads() {
     setDefaultStackSize(mStackSize);

@@ -57,9 +57,11 @@ Frames randomPath(std::mt19937& random) {
 struct Engine {
     Engine() {
         std::strcpy(localTmpDir, "/tmp/play_sweep-XXXXXX");
-        if (mkdtemp(localTmpDir) == nullptr || initOrbitwalkEngine(&done) != 1)
+        if (mkdtemp(localTmpDir) == nullptr)
             std::exit(1);
         std::strcat(localTmpDir, "/");
+        if (initOrbitwalkEngine(&done) != 1)
+            std::exit(1);
     }
     ~Engine() { deinitOrbitwalkEngine(); }
 

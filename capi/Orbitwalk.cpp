@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <string_view>
 
 #include "ErrorText.h"
@@ -24,8 +25,10 @@ static_assert(offsetof(OrbitwalkFrame, isRendered) ==
 static_assert(offsetof(OrbitwalkFrame, info) == offsetof(_ENCODING_FRAME_INFORMATION, otherInfo1));
 
 /// Lives as long as the library: the engine may call it until the process ends.
-orbitwalk::capi::Listener& listenerOfTheEngine() {
-    static auto* const listener = new orbitwalk::capi::Listener;
+orbitwalk::capi::Listener& listenerOfTheEngine() noexcept {
+    using orbitwalk::capi::Listener;
+    alignas(Listener) static std::byte room[sizeof(Listener)];
+    static auto* const listener = new (room) Listener;
     return *listener;
 }
 
@@ -58,7 +61,10 @@ int orbitwalkInit(const OrbitwalkListener* listener) {
 }
 
 int orbitwalkRecordSize(void) {
-    return getSizeOrbitwalkInformation();
+    const CallText call;
+    const int size = getSizeOrbitwalkInformation();
+    call.finish(true, "");
+    return size;
 }
 
 int orbitwalkStart(const OrbitwalkParameters* parameters) {
@@ -88,8 +94,7 @@ int orbitwalkProvideFrame(const uint8_t* frame, float x, float y, float angle) {
                        "the frame was not taken");
 }
 
-int orbitwalkStop(int first, int last, const OrbitwalkFrame* frames, int count,
-                  OrbitwalkDirection direction) {
+int orbitwalkStop(int first, int last, const OrbitwalkFrame* frames, int count, int direction) {
     const CallText call;
     // Copied by the engine, never written to.
     auto* const given =

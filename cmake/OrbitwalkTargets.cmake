@@ -71,6 +71,22 @@ if(NOT ANDROID)
     target_include_directories(orbitwalk_headers INTERFACE ${PROJECT_SOURCE_DIR}/host/platform/include)
 endif()
 
+# orbitwalk_engine_library(NAME EXPORTS SOURCE...)
+# A shared library of the engine's objects and the sources, with the names that the version script EXPORTS lists.
+function(orbitwalk_engine_library name exports)
+    add_library(${name} SHARED ${ARGN})
+    target_link_libraries(${name} PRIVATE orbitwalk_core PUBLIC $<BUILD_INTERFACE:orbitwalk_headers>)
+    # Without them the five calls of docs/hosts.md are found where the library is loaded.
+    if(ORBITWALK_BUILD_HOST)
+        target_link_libraries(${name} PRIVATE OrbitwalkPlatform OrbitwalkMP4Writer)
+    endif()
+    # Calls inside the library stay inside it, whatever the loading program links first. The detached
+    # post-processing thread may still be returning when a host calls dlclose, so the code stays mapped.
+    target_link_options(${name} PRIVATE
+        LINKER:-Bsymbolic-functions LINKER:-z,nodelete LINKER:--version-script=${exports})
+    set_target_properties(${name} PROPERTIES LINK_DEPENDS ${exports})
+endfunction()
+
 # orbitwalk_test(NAME [ALONE] [ONE_THREAD] [NOT_SANITIZED] SOURCES file... [LIBRARIES lib...] [DEFINITIONS NAME=VALUE...]
 #     [DEPENDS target...])
 # Declares one GoogleTest program and registers its tests with CTest. A sanitizer build registers the program as one

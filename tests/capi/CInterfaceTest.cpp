@@ -76,7 +76,6 @@ TEST_F(CInterface, CapturesAndTellsTheListenerToTheEnd) {
     EXPECT_EQ(record->captureDirection, 2);
     EXPECT_EQ(record->frontCameraFlipped, 1);
     EXPECT_EQ(record->orientation, 270);  // as start stores it
-    EXPECT_EQ(orbitwalkRecordSize(), int{sizeof *record});
 }
 
 TEST_F(CInterface, SaysWhatTheLogSaidOfAFailedCallAndNothingAfterASuccess) {
@@ -109,6 +108,20 @@ TEST_F(CInterface, SaysWhatTheLogSaidOfAFailedCallAndNothingAfterASuccess) {
     EXPECT_THAT(orbitwalkLastError(), StrEq(""));
     fails(orbitwalkCancel(), "engine state is not IDLE");
     EXPECT_EQ(orbitwalkReset(), 1);
+    fails(provide(), "engine state is not IDLE");
+    EXPECT_EQ(orbitwalkRecordSize(), int{sizeof(OrbitwalkRecord)});
+    EXPECT_THAT(orbitwalkLastError(), StrEq(""));
+}
+
+TEST_F(CInterface, TakesAnUnknownDirectionForLeftToRight) {
+    Heard heard;
+    ASSERT_EQ(init(heard), 1);
+    ASSERT_EQ(orbitwalkStart(&parameters), 1);
+    ASSERT_EQ(provide(), 1);
+    const OrbitwalkFrame only{.x = 0, .y = 0, .angle = 0, .isRendered = 1, .info = {}};
+    ASSERT_EQ(orbitwalkStop(0, 0, &only, 1, 9), 1) << orbitwalkLastError();
+    ASSERT_EQ(orbitwalkDeinit(), 1);
+    EXPECT_EQ(record->captureDirection, ORBITWALK_LEFT_TO_RIGHT);
 }
 
 TEST_F(CInterface, ReleasesAListenerOnceWhenAnotherIsInItsPlace) {

@@ -187,8 +187,7 @@ JNIEXPORT void JNICALL Java_org_orbitwalk_sample_SweepCapture_nativeStop(JNIEnv*
     if (sweep == nullptr || sweep->frames.empty())
         return throwState(env, "no frame was given");
     const int count = static_cast<int>(sweep->frames.size());
-    check(env, orbitwalkStop(0, count - 1, sweep->frames.data(), count,
-                             static_cast<OrbitwalkDirection>(direction)));
+    check(env, orbitwalkStop(0, count - 1, sweep->frames.data(), count, direction));
 }
 
 JNIEXPORT jbyteArray JNICALL Java_org_orbitwalk_sample_SweepCapture_nativeFinish(JNIEnv* env,

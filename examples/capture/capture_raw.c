@@ -8,7 +8,6 @@
 
 #include <pthread.h>
 #include <stdlib.h>
-#include <string.h>
 #include <time.h>
 
 #include "orbitwalk/orbitwalk.h"
@@ -100,9 +99,10 @@ int main(int argc, char** argv) {
 
     int status = capture(&parameters, &progress);
     orbitwalkDeinit();
-    if (status == 0 && fwrite(&record, sizeof record, 1, out) != 1)
-        status = fail(argv[4], "cannot be written");
-    if (fclose(parameters.mp4) != 0 || fclose(out) != 0)
+    if (fclose(parameters.mp4) != 0)
         status = fail(argv[3], "cannot be written");
+    const size_t written = status == 0 ? fwrite(&record, sizeof record, 1, out) : 1;
+    if (fclose(out) != 0 || written != 1)
+        status = fail(argv[4], "cannot be written");
     return status;
 }

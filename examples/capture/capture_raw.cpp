@@ -95,7 +95,9 @@ void capture(int width, int height, const char* videoName, const char* recordNam
          ++i)
         engine.take(frame);
     const auto& frames = engine.stop();
-    if (std::fwrite(record.data(), record.size(), 1, out.get()) != 1)
+    if (std::fflush(video.get()) != 0)
+        throw std::runtime_error(std::string(videoName) + ": cannot be written");
+    if (std::fwrite(record.data(), record.size(), 1, out.get()) != 1 || std::fflush(out.get()) != 0)
         throw std::runtime_error(std::string(recordName) + ": cannot be written");
     std::printf("%zu frames, the last at %.2f %.2f pixels, %.5f radians\n", frames.size(),
                 double(frames.back().x), double(frames.back().y), double(frames.back().a));

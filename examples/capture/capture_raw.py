@@ -54,21 +54,25 @@ def main(path, width, height, video, record_name):
     with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as directory:
         check(library.orbitwalkSetTemporaryDirectory((directory + '/').encode()))
         check(library.orbitwalkInit(c.byref(Listener(on_progress, None, None))))
-        check(library.orbitwalkStart(c.byref(Parameters(
-            width=int(width), height=int(height), mp4=stream, record=c.addressof(record)))))
-        frames, size = [], int(width) * int(height) * 3 // 2
-        while len(frames) < MAX_FRAMES and len(picture := sys.stdin.buffer.read(size)) == size:
-            frame = Frame(isRendered=1)
-            x, y, angle = c.c_float(), c.c_float(), c.c_float()
-            check(library.orbitwalkGetTrajectory(picture, c.byref(x), c.byref(y), c.byref(angle)))
-            check(library.orbitwalkProvideFrame(picture, x, y, angle))
-            frame.x, frame.y, frame.angle = x.value, y.value, angle.value
-            frames.append(frame)
-        check(library.orbitwalkStop(0, len(frames) - 1, (Frame * len(frames))(*frames), len(frames), 1))
-        if not done.wait(300):
-            sys.exit('capture_raw.py: the sweep cannot be finished')
-        library.orbitwalkDeinit()
-    libc.fclose(stream)
+        try:
+            check(library.orbitwalkStart(c.byref(Parameters(
+                width=int(width), height=int(height), mp4=stream, record=c.addressof(record)))))
+            frames, size = [], int(width) * int(height) * 3 // 2
+            while len(frames) < MAX_FRAMES and len(picture := sys.stdin.buffer.read(size)) == size:
+                frame = Frame(isRendered=1)
+                x, y, angle = c.c_float(), c.c_float(), c.c_float()
+                check(library.orbitwalkGetTrajectory(picture, c.byref(x), c.byref(y), c.byref(angle)))
+                check(library.orbitwalkProvideFrame(picture, x, y, angle))
+                frame.x, frame.y, frame.angle = x.value, y.value, angle.value
+                frames.append(frame)
+            check(library.orbitwalkStop(0, len(frames) - 1, (Frame * len(frames))(*frames), len(frames), 1))
+            if not done.wait(300):
+                sys.exit('capture_raw.py: the sweep cannot be finished')
+        finally:
+            # The engine knows on_progress, stream and record, which Python is about to free.
+            library.orbitwalkDeinit()
+    if libc.fclose(stream) != 0:
+        sys.exit(f'capture_raw.py: {video} cannot be written')
     with open(record_name, 'wb') as out:
         out.write(record.raw)
     last = frames[-1]

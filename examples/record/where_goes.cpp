@@ -10,6 +10,7 @@
 #include <iterator>
 #include <span>
 #include <stdexcept>
+#include <utility>
 #include <variant>
 #include <vector>
 

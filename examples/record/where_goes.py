@@ -63,5 +63,5 @@ if __name__ == '__main__':
         sys.exit(__doc__)
     try:
         main(*sys.argv[1:])
-    except (OSError, ValueError) as error:
+    except (ArithmeticError, OSError, ValueError) as error:
         sys.exit(f'where_goes.py: {error}')

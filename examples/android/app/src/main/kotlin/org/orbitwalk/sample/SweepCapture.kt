@@ -9,8 +9,10 @@ import java.nio.ByteBuffer
  * [IllegalStateException] with the engine's reason; [close] may follow at any time.
  *
  * @param directory  the engine's own: removed with all that it holds
- * @param progress   called on the engine's thread with 15, 30, 45, 60, 75, 90 and 100 after [stop]; below 100 it must
- * not call back. A post-processing that fails never reaches 100.
+ * @param progress   called on the engine's thread with 15, 30, 45, 60, 75, 90 and 100 after [stop]. It must not call this
+ * object but hand that to another thread, as the sample does: below 100 every call would wait for the post-processing, which
+ * waits for progress; at 100 it would wait for a [close] under way, which waits for progress, too. A post-processing that
+ * fails never reaches 100.
  */
 class SweepCapture(directory: File, private val progress: (Int) -> Unit) : AutoCloseable {
     enum class Direction(internal val code: Int) { LEFT_TO_RIGHT(1), RIGHT_TO_LEFT(2) }

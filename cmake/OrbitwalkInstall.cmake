@@ -10,7 +10,7 @@ set(host_includes ${CMAKE_INSTALL_INCLUDEDIR}/orbitwalk/host)
 # All that has to be built for it, without the tests.
 add_custom_target(installed)
 
-# orbitwalk_install_library(NAME COMPONENT [INCLUDE DIRECTORY] [HEADERS FILE...])
+# orbitwalk_install_library(NAME COMPONENT [INCLUDE DIRECTORY] [HEADERS FILE...] [CFLAGS FLAG...] [LIBS FLAG...])
 # As Orbitwalk::NAME for CMake, here and where it is installed, and as orbitwalk-NAME for pkg-config.
 function(orbitwalk_install_library name component)
     cmake_parse_arguments(ARG "" "INCLUDE" "HEADERS;CFLAGS;LIBS" ${ARGN})
@@ -41,10 +41,11 @@ function(orbitwalk_install_library name component)
 
     string(TOLOWER ${name} name_lower)
     file(RELATIVE_PATH prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-    set(pc_flags "-I\${includedir} ${ARG_CFLAGS}")
+    set(pc_flags "-I\${includedir}")
     if(ARG_INCLUDE)
-        set(pc_flags "-I\${includedir} -I\${prefix}/${ARG_INCLUDE}")
+        string(APPEND pc_flags " -I\${prefix}/${ARG_INCLUDE}")
     endif()
+    string(APPEND pc_flags " ${ARG_CFLAGS}")
     set(pc_libs "")
     if(type STREQUAL SHARED_LIBRARY)
         # The engine's own libraries lie beside it.

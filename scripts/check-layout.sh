@@ -32,11 +32,11 @@ forbid tool "the tool is a client, never an insider; pictures and videos are lib
 while IFS= read -r file; do
     complain "$file: only SmoothedPath looks into the stabiliser"
 done < <(grep -rlE '^#include "stabilization/' tool | grep -v '^tool/sweep/SmoothedPath\.cpp$')
-# Commands call the work, the work knows a sweep, a sweep its files, files the terminal; report and evaluate render, report plays, capture refines.
+# Commands call the work, the work knows a sweep, a sweep its files, files the terminal; report and evaluate render, capture refines.
 for work in batch capture simulate refine render evaluate inspect player report; do
     forbid tool/$work "work knows neither commands nor other work" commands/ \
         $(printf '%s\n' batch/ capture/ simulate/ refine/ render/ evaluate/ inspect/ player/ report/ | grep -v "^$work/" |
-            case $work in evaluate) grep -v '^render/' ;; capture) grep -v '^refine/' ;; report) grep -vE '^(render|player)/' ;; *) cat ;; esac)
+            case $work in evaluate | report) grep -v '^render/' ;; capture) grep -v '^refine/' ;; *) cat ;; esac)
 done
 work='(commands|batch|capture|simulate|refine|render|evaluate|inspect|player|report)/'
 forbid tool/sweep "a sweep knows no work" "$work"

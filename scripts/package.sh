@@ -2,13 +2,17 @@
 # Builds the Debian packages into build/packages, holds them against lintian, installs them into a minimal Debian 12
 # and runs the tool there.
 #   scripts/package.sh [build]      build: no Debian, only the packages
-# The minimal Debian is kept in ORBITWALK_ROOT_CACHE (default ~/.cache/orbitwalk); making it needs root.
+# The minimal Debian is kept in ORBITWALK_ROOT_CACHE (default ~/.cache/orbitwalk). It needs root: with sudo, but for build.
 set -euo pipefail
+[ "${1:-}" = build ] || [ "$(id -u)" -eq 0 ] || {
+    echo "scripts/package.sh: the minimal Debian needs root; without it: scripts/package.sh build" >&2
+    exit 2
+}
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 install_packages "${packages_build[@]}" "${packages_package[@]}"
-[ -f build/release/CMakeCache.txt ] || cmake --preset release -DORBITWALK_BUILD_TESTS=OFF -DORBITWALK_BUILD_BENCHMARKS=OFF >/dev/null
+configure_release
 cmake --build build/release --target installed
 rm -rf build/packages
 (umask 022 && cpack --config build/release/CPackConfig.cmake -B build/packages >build/packages.log 2>&1) ||
@@ -38,18 +42,21 @@ sort -u <<<"$sources" >"$root/etc/apt/sources.list"
 cp -l "$cache"/archives/*.deb "$root/var/cache/apt/archives/" 2>/dev/null || true
 cp build/packages/*.deb "$root/root/"
 apt-config dump | grep -iE '^Acquire::https?::(Proxy|Timeout)' >"$root/etc/apt/apt.conf.d/98acquire" || true
+# What the README tells who installs the packages, and the commands that it does not need there.
+sed -n '/^orbitwalk simulate -o clip.mp4 /,/^```/{/^```/!p}' README.md >"$root/root/readme"
+[ "$(wc -l <"$root/root/readme")" -eq 3 ] || { echo "The README's three commands are not three."; exit 1; }
 cat >"$root/root/try" <<'END'
-set -eu
+set -eux
 export LC_ALL=C DEBIAN_FRONTEND=noninteractive
 apt-get update -qq
 apt-get install -y -qq --no-install-recommends /root/*.deb >/root/log 2>&1 || { cat /root/log; exit 1; }
 cd /tmp
-orbitwalk simulate -o clip.mp4 --truth truth.csv --size 960x540 --frames 40
-orbitwalk capture clip.mp4 -o sweep
-orbitwalk refine sweep
+. /root/readme
+test -s clip.mp4 -a -s sweep/refined.obw -a -s sweep.html
+orbitwalk refine sweep --force --keep 0.9
 orbitwalk render sweep -o steady.mp4 --refined
-orbitwalk player sweep -o sweep.html --refined
-test -s steady.mp4 -a -s sweep.html
+orbitwalk player sweep -o player.html --refined
+test -s steady.mp4 -a -s player.html
 END
 # A mount namespace gives /proc and takes it away again.
 unshare --mount --pid --fork chroot "$root" sh -c 'mount -t proc proc /proc && sh /root/try'

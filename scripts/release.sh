@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 install_packages "${packages_build[@]}"
-[ -f build/release/CMakeCache.txt ] || cmake --preset release -DORBITWALK_BUILD_TESTS=OFF -DORBITWALK_BUILD_BENCHMARKS=OFF >/dev/null
+configure_release
 cmake --build build/release --target web_dist
 name=orbitwalk-$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' build/release/CMakeCache.txt)
 pages=()

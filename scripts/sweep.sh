@@ -23,9 +23,7 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 install_packages "${packages_build[@]}" "${packages_demo[@]}"
-# The tests, where they were built, share the tree.
-[ -f build/release/CMakeCache.txt ] ||
-    cmake --preset release -DORBITWALK_BUILD_TESTS=OFF -DORBITWALK_BUILD_BENCHMARKS=OFF >/dev/null
+configure_release
 cmake --build build/release --target orbitwalk
 tool=$PWD/build/release/orbitwalk
 

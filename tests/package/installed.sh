@@ -47,6 +47,15 @@ readelf -d "$work/by_pkg_config" | grep -qF '[libOrbitwalkEngine.so.1]' || fail 
 eval cc -std=c11 -o '"$work/by_c"' '"$prefix/share/doc/orbitwalk/examples/capture/capture_raw.c"' \
     "$(pkg-config --cflags --libs orbitwalk-c)" -pthread || fail "C cannot use orbitwalk-c."
 
+# The README's program, by the README's command; in a path without the blank that its command has no quotes for.
+ln -s "$prefix" "$work/prefix"
+readme=$prefix/share/doc/orbitwalk/README.md
+sed -n '/^```cpp/,/^```/{/^```/!p}' "$readme" >"$work/first.cpp"
+said=$(cd "$work" && export PKG_CONFIG_PATH="$work/prefix/$libdir/pkgconfig" LD_LIBRARY_PATH="$prefix/$libdir" &&
+    eval "$(grep '^c++ ' "$readme")") && [[ $said == *"100 %" ]] || fail "The README's program does not run: $said"
+[ "$(ffprobe -v error -count_frames -show_entries stream=nb_read_frames -of csv=p=0 "$work/sweep.mp4")" = 30 ] ||
+    fail "The README's program leaves no video of its frames."
+
 # The tool finds its libraries beside it, and says what its manual says.
 env -u LD_LIBRARY_PATH "$prefix/bin/orbitwalk" --version >/dev/null
 pages=$prefix/share/man/man1

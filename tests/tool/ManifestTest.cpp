@@ -40,6 +40,7 @@ TEST(Manifest, IsTheSameAsCsvAndAsJsonLines) {
 TEST(Manifest, IsRefusedWithTheLineThatCannotBeTaken) {
     const std::pair<const char*, const char*> refusals[] = {
         {"\n \n", "names no clips"},
+        {"id,video\na,\xff.mp4\n", "no text in UTF-8"},
         {"id,film\na,b\n", "film"},
         {"id,capture\na,b\n", "no columns id and video"},
         {"id,video\na,b\na,c\n", "line 3: the id \"a\" stands twice"},

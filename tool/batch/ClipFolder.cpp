@@ -81,7 +81,8 @@ std::optional<Json> ClipFolder::sidecar() const {
     const fs::path file = folder / kClipSidecarName;
     if (!isRegular(file))
         return std::nullopt;
-    const Json json = Json::parse(readTextFile(file, kLongestSidecar), nullptr, false);
+    // One that is too long is none of ours.
+    const Json json = Json::parse(readFileUpTo(file, kLongestSidecar), nullptr, false);
     if (!json.is_object() || !json.contains("files") || !json.contains("result") ||
         !json["result"].is_object() || !json["files"].is_array())
         return std::nullopt;

@@ -104,6 +104,15 @@ Clip clipOfJson(const std::string& line) {
     return clip;
 }
 
+/// What a sidecar and a page can hold.
+void requireUtf8(const std::string& name, const std::string& text) {
+    try {
+        Json(text).dump();
+    } catch (const Json::exception&) {
+        throw UsageError(name + " is no text in UTF-8");
+    }
+}
+
 /// Collects clips, and names the line where one cannot be taken.
 class Clips {
   public:
@@ -169,6 +178,7 @@ std::vector<Clip> parseManifest(const std::string& name, const std::string& text
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     if (first == std::string::npos)
         throw UsageError(name + " names no clips");
+    requireUtf8(name, text);
     try {
         return text[first] == '{' ? clipsOfJsonLines(name, text) : clipsOfCsv(name, text);
     } catch (const io::error::base& error) {

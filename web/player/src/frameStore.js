@@ -159,7 +159,9 @@ export class FrameStore {
 
     /** Reads one frame on the way to another. @param {number} frame */
     async #decode(frame) {
-        const isExact = this.#source.isComplete || this.#wishes.length === 0;
+        // Who begins to wait meanwhile does not wait for this frame.
+        const isWaitedFor = this.#wishes.length > 0;
+        const isExact = this.#source.isComplete || !isWaitedFor;
         const from = this.#source.runStart(frame);
         if (!this.#run || !isExact || this.#run.next > frame || this.#run.next < from) {
             this.#endRun();
@@ -170,7 +172,7 @@ export class FrameStore {
         const read = await run.read();
         if (read === null) {
             this.#endRun();
-            if (this.#source.isComplete || expected === frame && this.#wishes.length > 0)
+            if (this.#source.isComplete || expected === frame && isWaitedFor)
                 throw new PlayerError(`The video ends before its frame ${frame}.`);
             for (let missed = expected; missed <= frame; ++missed)
                 this.#missed.add(missed);

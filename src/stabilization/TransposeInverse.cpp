@@ -55,7 +55,9 @@ struct Decomposition {
             squares[i] = dot(rows[i], rows[i]);
         constexpr int kMostSweeps = 30;
         for (int sweep = 0; sweep < kMostSweeps; ++sweep) {
-            const bool turned = turn(0, 1) | turn(0, 2) | turn(1, 2);
+            bool turned = turn(0, 1);
+            turned = turn(0, 2) || turned;
+            turned = turn(1, 2) || turned;
             if (!turned)
                 break;
         }

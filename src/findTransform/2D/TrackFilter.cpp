@@ -74,8 +74,13 @@ void loseTracksOutside(cv::Size picture, int window, std::span<const cv::Point2f
                        std::span<unsigned char> status) {
     const float half = static_cast<float>(window - 1) * 0.5f;
     for (std::size_t i = 0; i < ends.size(); ++i) {
-        const int left = cvFloor(ends[i].x - half), top = cvFloor(ends[i].y - half);
-        if (left < -window || left >= picture.width || top < -window || top >= picture.height)
+        // Not as integers: what is no number becomes the smallest of them on one machine, 0 on
+        // another.
+        const float left = std::floor(ends[i].x - half), top = std::floor(ends[i].y - half);
+        const bool inside =
+            left >= static_cast<float>(-window) && left < static_cast<float>(picture.width) &&
+            top >= static_cast<float>(-window) && top < static_cast<float>(picture.height);
+        if (!inside)
             status[i] = 0;
     }
 }

@@ -19,8 +19,8 @@
 /// start, frames, stop, cancel, init and deinit wait until it has ended. The listener runs on the
 /// post-processing thread, with the lock held except at 100: from a call below 100 it must not call
 /// back into the engine. deinit must not overlap with another entry point on another thread, and
-/// waits for a listener call that is under way (unless the listener itself made the call). A frame's
-/// bytes are the caller's again when a call with them returns.
+/// waits for a listener call that is under way (unless the listener itself made the call). A
+/// frame's bytes are the caller's again when a call with them returns.
 ///
 /// Errors. Nothing is thrown. An entry point returns 1 for success and -1 for failure; why it
 /// failed, with what a library threw, stands in the log under the tag "ORBITWALK_ENGINE".

@@ -57,6 +57,14 @@ class Run {
                 mMine.push_back(&mClips[i]);
     }
 
+    /// All are told to end before one is waited for.
+    ~Run() {
+        for (const RunningClip& clip : mRunning)
+            clip.process.terminate();
+    }
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
     BatchResult run() {
         const Stopwatch watch;
         ProgressBar bar("Clips", std::ssize(mMine));

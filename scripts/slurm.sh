@@ -8,8 +8,7 @@ cd "$(dirname "$0")/.."
 
 clips=24 tasks=8
 install_packages "${packages_build[@]}" "${packages_cluster[@]}"
-[ -f build/release/CMakeCache.txt ] ||
-    cmake --preset release -DORBITWALK_BUILD_TESTS=OFF -DORBITWALK_BUILD_BENCHMARKS=OFF >/dev/null
+configure_release
 cmake --build build/release --target orbitwalk
 export ORBITWALK=$PWD/build/release/orbitwalk
 
@@ -93,15 +92,6 @@ tool_of() {
     pgrep -f "^$ORBITWALK batch .*--shard $1/$tasks "
 }
 
-# made FOLDER_NUMBER...: one of these clips stands in the array's folder.
-made() {
-    local clip
-    for clip in "$@"; do
-        [ ! -e "$work/array/clip$clip/clip.json" ] || return 0
-    done
-    return 1
-}
-
 echo "id,video,refine" >"$work/clips.csv"
 for ((i = 0; i < clips; ++i)); do
     "$ORBITWALK" simulate -o "$work/$i.mp4" --size 320x240 --frames 40 --seed "$i" -q
@@ -113,7 +103,7 @@ start_slurm
 job=$(sbatch --parsable --array=0-$((tasks - 1)) --output="$work/task-%a.txt" \
     examples/batch/sweeps.sbatch "$work/clips.csv" "$work/array")
 # Task 1 is killed after its first clip.
-wait_for 300 "the first clip of task 1" made 1
+wait_for 300 "the first clip of task 1" test -e "$work/array/clip1/clip.json"
 kill -KILL "$(tool_of 1)" || fail "task 1 ended before it was killed"
 wait_for 60 "the failure of task 1" sh -c "scontrol show job ${job}_1 | grep -q JobState=FAILED"
 [ ! -e "$work/array/clip$((1 + 2 * tasks))/clip.json" ] || fail "task 1 had made all its clips when it was killed"

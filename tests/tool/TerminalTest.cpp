@@ -57,16 +57,19 @@ TEST(SignalGuard, AbandonsWorkThatDoesNotLookForSignals) {
     const test_support::TestDirectory directory;
     const auto workForEver = [&] {
         test_support::writeFile(directory / "finished", "");
+        test_support::writeFile(directory / "kept", "");
         test_support::writeFile(directory / "part", "");
         const SignalGuard guard;
         const Unfinished part(directory / "part");
         Unfinished(directory / "finished");
+        Unfinished kept(directory / "kept");
+        kept.keep(Unfinished::keepWhole());
         std::raise(SIGTERM);
         std::promise<void>().get_future().wait();
     };
     EXPECT_EXIT(workForEver(), testing::ExitedWithCode(128 + SIGTERM),
                 "orbitwalk: interrupted .Terminated., nothing was kept");
-    EXPECT_EQ(test_support::namesIn(directory / ""), std::vector<std::string>{"finished"});
+    EXPECT_EQ(test_support::namesIn(directory / ""), (std::vector<std::string>{"finished", "kept"}));
 }
 
 TEST(ProgressLine, TellsFramesRateAndTimeLeftAndFits) {

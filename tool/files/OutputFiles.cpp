@@ -131,7 +131,10 @@ void OutputFiles::commit() {
         throw;
     }
     mCommitted = true;
-    Unfinished::isKept(whole);
+    for (File& file : mFiles)
+        file.part.keep(whole);
+    for (auto& made : mMade)
+        made.second.keep(whole);
     std::error_code ignored;
     for (const File& file : mFiles)
         if (file.replaces)

@@ -37,7 +37,7 @@ struct UnfinishedPaths {
     std::mutex mutex;
     std::map<int, Entry> entries;  ///< Guarded by mutex.
     int next = 1;                  ///< Guarded by mutex.
-    bool kept = false;             ///< Guarded by mutex. All that was begun has its name.
+    bool kept = false;             ///< Guarded by mutex. Some have got their names.
 };
 
 UnfinishedPaths& unfinishedPaths() {
@@ -48,7 +48,7 @@ UnfinishedPaths& unfinishedPaths() {
 void abandon(int signal) {
     UnfinishedPaths& paths = unfinishedPaths();
     const std::lock_guard lock(paths.mutex);
-    if (paths.kept)
+    if (paths.kept && paths.entries.empty())
         return;
     std::error_code ignored;
     for (auto entry = paths.entries.rbegin(); entry != paths.entries.rend(); ++entry)
@@ -160,7 +160,8 @@ std::unique_lock<std::mutex> Unfinished::keepWhole() {
     return std::unique_lock(unfinishedPaths().mutex);
 }
 
-void Unfinished::isKept(const std::unique_lock<std::mutex>& /*whole*/) {
+void Unfinished::keep(const std::unique_lock<std::mutex>& /*whole*/) {
+    unfinishedPaths().entries.erase(std::exchange(mNumber, 0));
     unfinishedPaths().kept = true;
 }
 

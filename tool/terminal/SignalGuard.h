@@ -57,9 +57,10 @@ class Unfinished {
 
     /// While it lives the process is not abandoned: for steps that belong together and are short.
     [[nodiscard]] static std::unique_lock<std::mutex> keepWhole();
-    /// From here on until the guard ends there is nothing to undo: the process is not abandoned.
+    /// The path has got its own name, and stays. A process that has nothing but such paths is not
+    /// abandoned any more: it would tell that nothing was kept.
     /// @param whole  from keepWhole.
-    static void isKept(const std::unique_lock<std::mutex>& whole);
+    void keep(const std::unique_lock<std::mutex>& whole);
 
   private:
     int mNumber;

@@ -69,7 +69,8 @@ TEST(SignalGuard, AbandonsWorkThatDoesNotLookForSignals) {
     };
     EXPECT_EXIT(workForEver(), testing::ExitedWithCode(128 + SIGTERM),
                 "orbitwalk: interrupted .Terminated., nothing was kept");
-    EXPECT_EQ(test_support::namesIn(directory / ""), (std::vector<std::string>{"finished", "kept"}));
+    EXPECT_EQ(test_support::namesIn(directory / ""),
+              (std::vector<std::string>{"finished", "kept"}));
 }
 
 TEST(ProgressLine, TellsFramesRateAndTimeLeftAndFits) {

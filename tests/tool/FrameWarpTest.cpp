@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <opencv2/imgproc.hpp>
 #include <vector>
 
+#include "render/BicubicWarp.h"
 #include "render/FramePlanes.h"
 #include "tool/AnalyticSweep.h"
 
@@ -85,9 +87,20 @@ TEST(FrameWarp, MovesTheEdgesOfLumaAndColourTogether) {
     }
 }
 
-TEST(FrameWarp, ContinuesTheFrameBeyondItsEdges) {
-    const std::vector<std::uint8_t> grey(frameBytes(kSize), 90);
-    EXPECT_EQ(warp(grey, translation(-500, 120)), grey);
+TEST(FrameWarp, IsThatOfOpenCvToTheByte) {
+    cv::Mat1b noise(61, 83);
+    cv::randu(noise, 0, 256);
+    const cv::Size tiny(3, 2);
+    for (const Affine& map :
+         {Affine{}, translation(0.5, -3.26), translation(-500, 120), translation(1e5, -1e5),
+          Affine{0.97, -0.05, 3.3, 0.04, 0.98, 1.6}, Affine{-0.6, 0.9, 50.7, 0.8, 0.7, -20.1}})
+        for (const cv::Mat1b& frame : {noise, cv::Mat1b(noise(cv::Rect({}, tiny)))}) {
+            cv::Mat1b expected, output(70, 91);
+            cv::warpAffine(frame, expected, matrixOf(map), output.size(),
+                           cv::INTER_CUBIC | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
+            warpBicubic(frame, map, output);
+            EXPECT_EQ(cv::norm(expected, output, cv::NORM_L1), 0);
+        }
 }
 
 TEST(MissingPixels, CountsPointsMoreThanAPixelOutside) {

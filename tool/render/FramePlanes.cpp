@@ -5,6 +5,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "media/ColourMatrix.h"
+#include "render/BicubicWarp.h"
 
 namespace orbitwalk::tool {
 
@@ -36,11 +37,6 @@ cv::Matx34f bgrFromVideo(float kr, float kb) {
         matrix(row, 3) = -black[row];
     }
     return matrix;
-}
-
-void warpPlane(const cv::Mat1b& frame, const Affine& map, cv::Mat1b output) {
-    cv::warpAffine(frame, output, matrixOf(map), output.size(),
-                   cv::INTER_CUBIC | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
 }
 
 bool isMissing(PicturePoint p, cv::Size size) {
@@ -103,11 +99,11 @@ cv::Mat turned(const cv::Mat& picture, int degrees) {
 void warpFrame(std::span<const std::uint8_t> frame, cv::Size size, const Affine& frameFromOutput,
                std::span<std::uint8_t> output) {
     const FramePlanes from = planesOf(frame, size);
-    const FramePlanes to = planesOf(output, size);
+    FramePlanes to = planesOf(output, size);
     const Affine colour = inverse(kLumaFromColour) * frameFromOutput * kLumaFromColour;
-    warpPlane(from.y, frameFromOutput, to.y);
-    warpPlane(from.cb, colour, to.cb);
-    warpPlane(from.cr, colour, to.cr);
+    warpBicubic(from.y, frameFromOutput, to.y);
+    warpBicubic(from.cb, colour, to.cb);
+    warpBicubic(from.cr, colour, to.cr);
 }
 
 std::int64_t missingPixels(cv::Size size, const Affine& frameFromOutput) {

@@ -1,6 +1,7 @@
 #include "media/VideoReader.h"
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 #include <utility>
 
@@ -18,10 +19,14 @@ namespace orbitwalk::media {
 
 struct VideoReader::State {
     State(const std::filesystem::path& file, const ReadOptions& options)
-        : decoder(file, options.interrupted), times(decoder.stream(), options) {}
+        : decoder(
+              file,
+              [this, asked = options.interrupted] { return isInterrupted || (asked && asked()); }),
+          times(decoder.stream(), options) {}
 
     const AVFrame* nextWithinTimes();
 
+    std::atomic<bool> isInterrupted = false;  ///< Before the decoder, which asks for it.
     VideoDecoder decoder;
     FrameTimes times;
     I420Packer packer;
@@ -134,6 +139,10 @@ bool VideoReader::read(std::vector<std::uint8_t>& i420) {
     }
     ++state.read;
     return true;
+}
+
+void VideoReader::interrupt() {
+    mState->isInterrupted = true;
 }
 
 Completeness VideoReader::completeness() const {

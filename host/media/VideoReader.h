@@ -70,6 +70,10 @@ class VideoReader {
     /// @throws MediaError when the file cannot be read on, or its picture size changes half-way.
     bool read(std::vector<std::uint8_t>& i420);
 
+    /// Ends a read that waits for the file on another thread, and later ones that would, with a
+    /// MediaError.
+    void interrupt();
+
     Completeness completeness() const;
     /// The rates by the timestamps of the frames read; none while they are even, but for rounding.
     std::optional<RateRange> variableRate() const;

@@ -4,6 +4,7 @@
 #include <future>
 #include <thread>
 
+#include "media/FramesAhead.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 
@@ -48,8 +49,10 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, Stage
     ProgressBar bar("Capturing", std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES));
     const Pace pace(video.frameRate());
     Feed feed;
+    // One more than a sweep holds, to know whether there are any.
+    media::FramesAhead frames(video, OBW_MAX_FRAMES + 1);
     std::vector<std::uint8_t> frame;
-    while (timed(seconds.decode, [&] { return video.read(frame); })) {
+    while (frames.next(frame)) {
         if (feed.path.size() == OBW_MAX_FRAMES) {
             feed.truncated = true;
             break;
@@ -67,6 +70,7 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, Stage
         feed.path.push_back(point);
         bar.update(static_cast<std::int64_t>(feed.path.size()));
     }
+    seconds.decode += frames.seconds();
     return feed;
 }
 

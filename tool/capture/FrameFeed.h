@@ -33,7 +33,8 @@ struct Feed {
 /// Told of every frame that is fed, I420, in order, on another thread while the engine works on it.
 using BesideEngine = std::function<void(std::span<const std::uint8_t> frame)>;
 
-/// Decodes the video and gives each frame to the session, at most as many as a sweep can hold.
+/// Decodes the video, on a thread of its own, and gives each frame to the session, at most as many
+/// as a sweep can hold.
 /// @param realtime  paces the frames at the video's rate; otherwise they come as fast as the
 /// encoder takes them.
 /// @throws ToolError, also on a signal; MediaError; what besideEngine throws.

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "files/OutputFiles.h"
+#include "media/FramesAhead.h"
 #include "media/VideoReader.h"
 #include "orbitwalk/refine/MotionEstimator.h"
 #include "orbitwalk/refine/RecordWriter.h"
@@ -122,8 +123,9 @@ std::vector<refine::FrameMotion> measureVideo(const fs::path& video, FrameSize s
     media::VideoReader reader(video);
     requireSize(video, {reader.width(), reader.height()}, {size.width, size.height});
     FrameMeasurer measurer(size);
+    media::FramesAhead decoded(reader, std::int64_t{firstFrame} + frames);
     std::vector<std::uint8_t> pixels;
-    for (int read = 0; measurer.measured() < frames && reader.read(pixels); ++read) {
+    for (int read = 0; measurer.measured() < frames && decoded.next(pixels); ++read) {
         if (read < firstFrame)
             continue;
         measurer(pixels);

@@ -23,7 +23,7 @@ std::string_view toolVersion();
 
 /// Wall-clock seconds that a capture spent in each stage.
 struct StageSeconds {
-    double decode = 0;
+    double decode = 0;  ///< On a thread of its own, beside the following three.
     double measure = 0;
     double feed = 0;
     double waitForEncoder = 0;  ///< Before a frame was fed: the encoder is behind.

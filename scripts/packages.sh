@@ -6,7 +6,7 @@ packages_libraries=(
     libavcodec-dev libavfilter-dev libavformat-dev libavutil-dev libswscale-dev
     libspdlog-dev libeigen3-dev
 )
-packages_tool=(libopencv-calib3d-dev libcli11-dev nlohmann-json3-dev libtbb-dev libfccp-dev)
+packages_tool=(libopencv-calib3d-dev libcli11-dev nlohmann-json3-dev libtbb-dev libfccp-dev libssl-dev)
 packages_build=(g++ cmake ninja-build pkg-config git npm "${packages_libraries[@]}" "${packages_tool[@]}")
 packages_demo=(lomiri-wallpapers-16.04)
 packages_pictures=(chromium ffmpeg)

@@ -1,5 +1,7 @@
 #include "sweep/Checksum.h"
 
+#include <openssl/evp.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -10,33 +12,26 @@
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
 
-extern "C" {
-#include <libavutil/mem.h>
-#include <libavutil/sha.h>
-}
-
 namespace orbitwalk::tool {
 
 namespace {
 
-constexpr int kBits = 256;
-
+/// By libcrypto, which takes the processor's own instructions for it where there are some: a
+/// captured video is large.
 class Sha {
   public:
     Sha() {
-        if (!mState)
+        if (!mState || EVP_DigestInit_ex(mState.get(), EVP_sha256(), nullptr) != 1)
             throw std::bad_alloc();
-        av_sha_init(mState.get(), kBits);
     }
 
     void add(std::span<const char> bytes) {
-        av_sha_update(mState.get(), reinterpret_cast<const std::uint8_t*>(bytes.data()),
-                      bytes.size());
+        EVP_DigestUpdate(mState.get(), bytes.data(), bytes.size());
     }
 
     std::string digits() {
-        std::array<std::uint8_t, kBits / 8> digest;
-        av_sha_final(mState.get(), digest.data());
+        std::array<std::uint8_t, 256 / 8> digest{};
+        EVP_DigestFinal_ex(mState.get(), digest.data(), nullptr);
         std::string text;
         for (const std::uint8_t byte : digest)
             for (const int digit : {byte >> 4, byte & 15})
@@ -46,9 +41,9 @@ class Sha {
 
   private:
     struct Free {
-        void operator()(AVSHA* state) const { av_free(state); }
+        void operator()(EVP_MD_CTX* state) const { EVP_MD_CTX_free(state); }
     };
-    std::unique_ptr<AVSHA, Free> mState{av_sha_alloc()};
+    std::unique_ptr<EVP_MD_CTX, Free> mState{EVP_MD_CTX_new()};
 };
 
 }  // namespace

@@ -57,7 +57,9 @@ describe(TOOL "tool for panning-video sweeps"
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME orbitwalk)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_TOOL_PACKAGE_CONTROL_EXTRA ${triggers})
-set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${libraries} ${version}")
+# Opened by name, so that nothing that is linked tells of it.
+string(REGEX MATCH "^[0-9]+" avfilter "${AVFILTER_VERSION}")
+set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${libraries} ${version}, libavfilter${avfilter} | libavfilter-extra${avfilter}")
 set(CPACK_DEBIAN_TOOL_PACKAGE_PROVIDES orbitwalk-host)
 
 include(CPack)

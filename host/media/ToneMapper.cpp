@@ -5,13 +5,8 @@
 
 #include "media/AvSupport.h"
 #include "media/ColourMatrix.h"
+#include "media/FilterLibrary.h"
 #include "media/MediaTypes.h"
-
-extern "C" {
-#include <libavfilter/avfilter.h>
-#include <libavfilter/buffersink.h>
-#include <libavfilter/buffersrc.h>
-}
 
 namespace orbitwalk::media {
 
@@ -62,12 +57,18 @@ void check(int result) {
 
 /// Ends of a chain of filters, owned by the graph once it is parsed.
 struct Ends {
-    AVFilterInOut* in = avfilter_inout_alloc();
-    AVFilterInOut* out = avfilter_inout_alloc();
+    explicit Ends(const FilterLibrary& library)
+        : filters(library), in(library.inoutAlloc()), out(library.inoutAlloc()) {}
     ~Ends() {
-        avfilter_inout_free(&in);
-        avfilter_inout_free(&out);
+        filters.inoutFree(&in);
+        filters.inoutFree(&out);
     }
+    Ends(const Ends&) = delete;
+    Ends& operator=(const Ends&) = delete;
+
+    const FilterLibrary& filters;
+    AVFilterInOut* in;
+    AVFilterInOut* out;
 };
 
 }  // namespace
@@ -83,7 +84,8 @@ bool hasOtherMatrix(const AVFrame& picture) {
 }
 
 ToneMapper::~ToneMapper() {
-    avfilter_graph_free(&mGraph);
+    if (mGraph)
+        FilterLibrary::get().graphFree(&mGraph);
 }
 
 const AVFrame& ToneMapper::map(const AVFrame& picture) {
@@ -93,15 +95,17 @@ const AVFrame& ToneMapper::map(const AVFrame& picture) {
         completeColours(*mInput);
     if (!mGraph)
         prepare(*mInput);
-    check(av_buffersrc_add_frame(mSource, mInput.get()));
+    const FilterLibrary& filters = FilterLibrary::get();
+    check(filters.addFrame(mSource, mInput.get()));
     mMapped = makeFrame();
-    check(av_buffersink_get_frame(mSink, mMapped.get()));
+    check(filters.getFrame(mSink, mMapped.get()));
     return *mMapped;
 }
 
 void ToneMapper::prepare(const AVFrame& picture) {
-    mGraph = avfilter_graph_alloc();
-    Ends ends;
+    const FilterLibrary& filters = FilterLibrary::get();
+    mGraph = filters.graphAlloc();
+    Ends ends(filters);
     if (!mGraph || !ends.in || !ends.out)
         fail(AVERROR(ENOMEM));
     mGraph->nb_threads = 1;  // Frames come one at a time; a pool would only wait.
@@ -109,16 +113,15 @@ void ToneMapper::prepare(const AVFrame& picture) {
     std::snprintf(format, sizeof format,
                   "video_size=%dx%d:pix_fmt=%d:time_base=1/1:pixel_aspect=1/1", picture.width,
                   picture.height, picture.format);
-    check(avfilter_graph_create_filter(&mSource, avfilter_get_by_name("buffer"), "in", format,
-                                       nullptr, mGraph));
-    check(avfilter_graph_create_filter(&mSink, avfilter_get_by_name("buffersink"), "out", nullptr,
-                                       nullptr, mGraph));
+    check(filters.graphCreateFilter(&mSource, filters.getByName("buffer"), "in", format, nullptr,
+                                    mGraph));
+    check(filters.graphCreateFilter(&mSink, filters.getByName("buffersink"), "out", nullptr,
+                                    nullptr, mGraph));
     // Named as the chain of filters sees them: what comes out of the source is its input.
     *ends.out = {av_strdup("in"), mSource, 0, nullptr};
     *ends.in = {av_strdup("out"), mSink, 0, nullptr};
-    check(avfilter_graph_parse_ptr(mGraph, filtersFor(picture).c_str(), &ends.in, &ends.out,
-                                   nullptr));
-    check(avfilter_graph_config(mGraph, nullptr));
+    check(filters.graphParse(mGraph, filtersFor(picture).c_str(), &ends.in, &ends.out, nullptr));
+    check(filters.graphConfig(mGraph, nullptr));
 }
 
 }  // namespace orbitwalk::media

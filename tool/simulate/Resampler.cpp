@@ -13,7 +13,7 @@ constexpr int taps = 8;
 constexpr int before = taps / 2 - 1;  // Samples left of the one that a point falls behind.
 constexpr int phases = 1024;
 
-using Weights = std::array<float, taps>;
+using AxisWeights = std::array<float, taps>;
 
 // Weight of the sample at node, of nodes -before to before + 1, for a point between 0 and 1.
 double lagrange(int node, double point) {
@@ -24,8 +24,8 @@ double lagrange(int node, double point) {
     return weight;
 }
 
-std::vector<Weights> makeWeights() {
-    std::vector<Weights> table(phases + 1);
+std::vector<AxisWeights> makeAxisWeights() {
+    std::vector<AxisWeights> table(phases + 1);
     for (int phase = 0; phase <= phases; ++phase)
         for (int i = 0; i < taps; ++i)
             table[phase][i] =
@@ -44,7 +44,7 @@ Sample locate(double position, int length) {
     return {first, cvRound((position - whole) * phases)};
 }
 
-float filtered(const float* corner, std::size_t stride, const Weights& wx, const Weights& wy) {
+float filtered(const float* corner, std::size_t stride, const AxisWeights& wx, const AxisWeights& wy) {
     std::array<float, taps> columns{};
     for (int row = 0; row < taps; ++row)
         for (int i = 0; i < taps; ++i)
@@ -58,7 +58,7 @@ float filtered(const float* corner, std::size_t stride, const Weights& wx, const
 }  // namespace
 
 void resample(const cv::Mat1f& source, const SamplingGrid& grid, cv::Mat1f& target) {
-    static const std::vector<Weights> weights = makeWeights();
+    static const std::vector<AxisWeights> weights = makeAxisWeights();
     CV_Assert(source.cols >= taps && source.rows >= taps);
     const auto rows = [&](const cv::Range& range) {
         for (int y = range.start; y < range.end; ++y) {

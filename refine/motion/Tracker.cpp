@@ -30,8 +30,7 @@ TrackedPoints thereAndBack(const TrackedFrame& before, const TrackedFrame& now, 
         return {};
     const auto there = track(before, now, points, found, levels, flags);
     Points back = points;
-    // It is looked for about where it began. On the original size alone, strays came back, too.
-    const auto again = track(now, before, found, back, kNearLevels, cv::OPTFLOW_USE_INITIAL_FLOW);
+    const auto again = track(now, before, found, back, levels, flags);
     TrackedPoints kept;
     for (std::size_t i = 0; i < points.size(); ++i)
         if (there[i] && again[i] && cv::norm(points[i] - back[i]) < kReturnTolerance) {

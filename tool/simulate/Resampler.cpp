@@ -44,7 +44,8 @@ Sample locate(double position, int length) {
     return {first, cvRound((position - whole) * phases)};
 }
 
-float filtered(const float* corner, std::size_t stride, const AxisWeights& wx, const AxisWeights& wy) {
+float filtered(const float* corner, std::size_t stride, const AxisWeights& wx,
+               const AxisWeights& wy) {
     std::array<float, taps> columns{};
     for (int row = 0; row < taps; ++row)
         for (int i = 0; i < taps; ++i)

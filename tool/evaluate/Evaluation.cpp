@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <numbers>
 
+#include "evaluate/LumaVideo.h"
 #include "sweep/Playlist.h"
 #include "sweep/Steadiness.h"
 #include "sweep/Sweep.h"
 #include "sweep/Tables.h"
+#include "terminal/FreedMemory.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
@@ -50,7 +52,7 @@ std::vector<int> framesShown(const RecordReader& record, const fs::path& file) {
     if (!frames.empty())
         return frames;
     // The container's word may be wrong.
-    while (video.next())
+    while (!video.next().empty())
         SignalGuard::check();
     frames = framesShown(record, video.framesRead());
     if (frames.empty())
@@ -134,6 +136,7 @@ Evaluation evaluate(const EvaluateOptions& options) {
         evaluateSweep(options, evaluation, sweep);
     if (options.video.empty())
         return evaluation;
+    keepFreedMemory();
     evaluation.video = judge(options, sweep);
     if (const auto& source = evaluation.video->source) {
         const Steadiness steadiness = steadinessOf(*evaluation.video, *source);

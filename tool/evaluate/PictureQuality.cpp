@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <opencv2/imgproc.hpp>
-#include <set>
-#include <vector>
 
 #include "render/FramePlanes.h"
 
@@ -12,20 +11,30 @@ namespace orbitwalk::tool {
 
 namespace {
 
-double gradientRms(const cv::Mat1b& picture, const cv::Mat1b& mask) {
-    cv::Mat1f dx, dy;
-    cv::Sobel(picture, dx, CV_32F, 1, 0);
-    cv::Sobel(picture, dy, CV_32F, 0, 1);
-    return std::sqrt(cv::mean(dx.mul(dx) + dy.mul(dy), mask)[0]);
+/// Sum of the squared gradients of a row where the mask says so.
+std::int64_t squaredGradients(const short* dx, const short* dy, const uchar* mask, int width) {
+    std::int64_t sum = 0;
+    for (int x = 0; x < width; ++x) {
+        const int squares = dx[x] * dx[x] + dy[x] * dy[x];
+        sum += mask[x] ? squares : 0;
+    }
+    return sum;
 }
 
-std::set<int> labelsAtEdge(const cv::Mat1i& labels) {
-    std::set<int> found;
-    for (const cv::Mat& edge : {cv::Mat(labels.row(0)), cv::Mat(labels.row(labels.rows - 1)),
-                                cv::Mat(labels.col(0)), cv::Mat(labels.col(labels.cols - 1))})
-        found.insert(edge.begin<int>(), edge.end<int>());
-    found.erase(0);
-    return found;
+/// Takes the picture in bands that stay in the processor's cache.
+double gradientRms(const cv::Mat1b& picture, const cv::Mat1b& mask) {
+    constexpr int rows = 32;
+    std::int64_t sum = 0, pixels = 0;
+    cv::Mat1s dx, dy;
+    for (int top = 0; top < picture.rows; top += rows) {
+        const cv::Range band(top, std::min(top + rows, picture.rows));
+        cv::Sobel(picture.rowRange(band), dx, CV_16S, 1, 0);
+        cv::Sobel(picture.rowRange(band), dy, CV_16S, 0, 1);
+        for (int y = 0; y < band.size(); ++y)
+            sum += squaredGradients(dx[y], dy[y], mask[top + y], picture.cols);
+        pixels += cv::countNonZero(mask.rowRange(band));
+    }
+    return pixels > 0 ? std::sqrt(static_cast<double>(sum) / static_cast<double>(pixels)) : 0;
 }
 
 /// Where the picture lies inside the source.
@@ -40,49 +49,18 @@ cv::Mat1b inside(cv::Size source, const Affine& sourceFromPicture, cv::Size pict
 
 std::optional<double> relativeSharpness(const cv::Mat1b& picture, const cv::Mat1b& source,
                                         const Affine& sourceFromPicture,
-                                        const cv::Mat1b& missingBorder) {
+                                        const EdgeRegions& missingBorder) {
     cv::Mat1b shown;
     cv::warpAffine(source, shown, matrixOf(sourceFromPicture), picture.size(),
                    cv::INTER_LANCZOS4 | cv::WARP_INVERSE_MAP);
     cv::Mat1b common = inside(source.size(), sourceFromPicture, picture.size());
-    common.setTo(0, missingBorder);
+    for (const PixelRun& run : missingBorder)
+        common.row(run.row).colRange(run.first, run.end) = 0;
     // Away from the seams: an interpolation reaches four pixels, the gradient one more.
     cv::erode(common, common, cv::getStructuringElement(cv::MORPH_RECT, {15, 15}));
     const double possible = gradientRms(shown, common);
     return possible > 0 ? std::make_optional(gradientRms(picture, common) / possible)
                         : std::nullopt;
-}
-
-cv::Mat1b blackBorder(const cv::Mat1b& luma) {
-    constexpr int black = 18, smallestRegion = 64;
-    cv::Mat1i labels, stats;
-    cv::Mat centres;
-    cv::connectedComponentsWithStats(luma <= black, labels, stats, centres, 4);
-    std::vector<uchar> values(stats.rows, 0);
-    for (const int label : labelsAtEdge(labels))
-        values[label] = stats(label, cv::CC_STAT_AREA) >= smallestRegion ? 255 : 0;
-    cv::Mat1b border(luma.size());
-    std::ranges::transform(labels, border.begin(), [&](int label) { return values[label]; });
-    return border;
-}
-
-cv::Mat1b missingBorder(const cv::Mat1b& picture, const cv::Mat1b& source,
-                        const Affine& sourceFromPicture) {
-    constexpr int dark = 40;
-    cv::Mat1b shown;
-    cv::warpAffine(source, shown, matrixOf(sourceFromPicture), picture.size(),
-                   cv::INTER_NEAREST | cv::WARP_INVERSE_MAP, cv::BORDER_CONSTANT, 255);
-    cv::Mat1b unexplained = picture.clone();
-    unexplained.setTo(255, shown <= dark);
-    return blackBorder(unexplained);
-}
-
-double hiddenShare(const cv::Mat1b& missingBorder, cv::Size source,
-                   const Affine& sourceFromPicture) {
-    const Affine& m = sourceFromPicture;
-    const double sourcePixels = m.xx * m.yy - m.xy * m.yx;  // That a pixel of the picture covers.
-    const int hidden = cv::countNonZero(missingBorder & inside(source, m, missingBorder.size()));
-    return hidden * sourcePixels / source.area();
 }
 
 }  // namespace orbitwalk::tool

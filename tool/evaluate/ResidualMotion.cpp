@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "evaluate/Registration.h"
-
 namespace orbitwalk::tool {
 
 namespace {
@@ -42,18 +40,15 @@ std::optional<ResidualMotion> residualMotion(std::span<const std::optional<Frame
     return residual;
 }
 
-void MotionMeter::take(const cv::Mat1b& luma) {
-    const int factor = reductionTo(kMeasuredSide, luma.size());
-    cv::Mat1b picture = reducedPicture(luma, factor);
-    if (factor == 1)
-        picture = picture.clone();
-    if (!mLast.empty()) {
-        const auto match = matchPictures(mLast, picture);
-        mMotions.push_back(
-            match ? std::make_optional(motionAtCentre(atFullSize(match->map, factor), luma.size()))
-                  : std::nullopt);
-    }
-    mLast = picture;
+MeasuredFrame::MeasuredFrame(const cv::Mat1b& luma)
+    : mSize(luma.size()), mPicture(reducedPicture(luma, reductionTo(kMeasuredSide, luma.size()))) {}
+
+std::optional<FrameMotion> MeasuredFrame::motionTo(const MeasuredFrame& next) const {
+    const auto match = matchPictures(mPicture, next.mPicture.pyramid);
+    if (!match)
+        return std::nullopt;
+    const Affine map = atFullSize(match->map, reductionTo(kMeasuredSide, mSize));
+    return motionAtCentre(map, mSize);
 }
 
 }  // namespace orbitwalk::tool

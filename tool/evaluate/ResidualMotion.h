@@ -4,7 +4,8 @@
 #include <opencv2/core/mat.hpp>
 #include <optional>
 #include <span>
-#include <vector>
+
+#include "evaluate/PictureMatch.h"
 
 namespace orbitwalk::tool {
 
@@ -29,18 +30,18 @@ struct ResidualMotion {
 /// Nothing when no two motions one after the other could be measured.
 std::optional<ResidualMotion> residualMotion(std::span<const std::optional<FrameMotion>> motions);
 
-/// Measures a video's motions as its frames pass by.
-class MotionMeter {
+/// A frame made ready for its motion to be measured.
+class MeasuredFrame {
   public:
-    /// @param luma  a full-size frame; all of one size. Not kept.
-    void take(const cv::Mat1b& luma);
+    /// @param luma  full-size. Not kept.
+    explicit MeasuredFrame(const cv::Mat1b& luma);
 
-    /// One a pair of neighbours.
-    std::span<const std::optional<FrameMotion>> motions() const { return mMotions; }
+    /// Of the picture to the next frame, of the same size. Nothing when it cannot be measured.
+    std::optional<FrameMotion> motionTo(const MeasuredFrame& next) const;
 
   private:
-    cv::Mat1b mLast;
-    std::vector<std::optional<FrameMotion>> mMotions;
+    cv::Size mSize;
+    PictureCorners mPicture;
 };
 
 }  // namespace orbitwalk::tool

@@ -1,157 +1,108 @@
 #include "evaluate/VideoQuality.h"
 
-#include <algorithm>
-#include <opencv2/core.hpp>
-#include <string>
+#include <tbb/info.h>
+#include <tbb/parallel_pipeline.h>
 
-#include "evaluate/PictureQuality.h"
-#include "evaluate/Registration.h"
-#include "sweep/Sweep.h"
-#include "terminal/ToolError.h"
+#include <memory>
+
+#include "evaluate/JudgedFrame.h"
+#include "evaluate/LumaVideo.h"
+#include "render/StepOrder.h"
 
 namespace orbitwalk::tool {
 
 namespace {
 
-class Mean {
+/// The judgement step by step. Steps that take the frames in their order never share what they
+/// keep; the others keep nothing.
+class Judgement {
   public:
-    void take(double value) {
-        mSum += value;
-        ++mCount;
+    Judgement(const std::filesystem::path& video, const std::optional<Source>& source)
+        : mVideo(video) {
+        mQuality.size = mVideo.size();
+        if (source)
+            mComparison.emplace(*source);
     }
-    std::optional<double> value() const {
-        return mCount > 0 ? std::make_optional(mSum / mCount) : std::nullopt;
+
+    /// @return false at the end.
+    bool read(JudgedFrame& frame) {
+        frame.picture.luma = mVideo.next();
+        frame.index = mVideo.framesRead() - 1;
+        return !frame.picture.luma.empty();
+    }
+
+    void readSource(JudgedFrame& frame) {
+        if (mComparison)
+            mComparison->read(frame);
+    }
+
+    void putInPlace(JudgedFrame& frame) {
+        frame.picture.follow(mLast);
+        if (mComparison)
+            mComparison->find(frame);
+    }
+
+    /// @return number of frames taken.
+    int take(const JudgedFrame& frame) {
+        mMotions.take(frame.picture, frame.motion);
+        mQuality.blackPixels += frame.blackPixels;
+        mQuality.framesWithBlack += frame.blackPixels > 0;
+        if (mComparison)
+            mComparison->take(frame);
+        return ++mQuality.frames;
+    }
+
+    VideoQuality result() {
+        mQuality.residual = mMotions.residual();
+        if (mComparison)
+            mQuality.source = mComparison->result(mQuality.frames);
+        return mQuality;
     }
 
   private:
-    double mSum = 0;
-    int mCount = 0;
-};
-
-/// The source's side of the judgement, frame by frame beside the video.
-class Comparison {
-  public:
-    explicit Comparison(const Source& source)
-        : mSource(source), mVideo(source.video, source.mirrored) {}
-
-    /// @param index  of the video's frame.
-    void take(int index, const cv::Mat1b& picture) {
-        advance(index);
-        const auto map = mRegistration.find(picture, mVideo.frame());
-        if (!map) {
-            ++mResult.unregistered;
-            return;
-        }
-        const cv::Mat1b missing = missingBorder(picture, mVideo.frame(), *map);
-        mResult.missingPixels += cv::countNonZero(missing);
-        View view = viewOf(*map, picture.size(), mVideo.size());
-        view.kept -= hiddenShare(missing, mVideo.size(), *map);
-        takeView(view);
-        if (index % kSharpnessStride == 0)
-            if (const auto sharpness = relativeSharpness(picture, mVideo.frame(), *map, missing))
-                mSharpness.take(*sharpness);
-    }
-
-    /// @param frames  of the video.
-    SourceComparison result(int frames) {
-        if (mSource.recorded > 0)
-            requireRecorded();
-        if (mSource.frames.empty() ? mVideo.next() : frames != std::ssize(mSource.frames))
-            fail();
-        if (!mKept.value())
-            throw ToolError(mSource.video.string() + ": not one frame of the video shows it");
-        mResult.residual = residualMotion(mMeter.motions());
-        mResult.kept = *mKept.value();
-        mResult.beyond = *mBeyond.value();
-        mResult.sharpness = mSharpness.value();
-        return mResult;
-    }
-
-  private:
-    static constexpr int kSharpnessStride = 5;
-
-    void advance(int index) {
-        if (!mSource.frames.empty() && index >= std::ssize(mSource.frames))
-            fail();
-        const int wanted = mSource.frames.empty() ? index : mSource.frames[index];
-        if (mVideo.framesRead() > wanted)
-            return;
-        while (mVideo.framesRead() <= wanted)
-            if (!mVideo.next()) {
-                if (mSource.recorded > 0)
-                    requireRecorded();
-                fail();
-            }
-        mMeter.take(mVideo.frame());
-    }
-
-    /// Reads the source to its end.
-    void requireRecorded() {
-        while (!(mSource.goesOn && mVideo.framesRead() >= mSource.recorded) && mVideo.next()) {
-        }
-        requireFrameCount(mSource.video, mVideo.framesRead(), mSource.recorded);
-    }
-
-    void takeView(const View& view) {
-        mResult.leastKept = mKept.value() ? std::min(mResult.leastKept, view.kept) : view.kept;
-        mResult.mostBeyond = std::max(mResult.mostBeyond, view.beyond);
-        mKept.take(view.kept);
-        mBeyond.take(view.beyond);
-    }
-
-    [[noreturn]] void fail() const {
-        throw ToolError(mSource.video.string() + ": its frames do not correspond to the video's");
-    }
-
-    const Source& mSource;
     LumaVideo mVideo;
-    MotionMeter mMeter;
-    Registration mRegistration;
-    Mean mKept;
-    Mean mBeyond;
-    Mean mSharpness;
-    SourceComparison mResult;
+    std::optional<Comparison> mComparison;
+    std::shared_ptr<const MeasuredFrame> mLast;
+    Motions mMotions;
+    VideoQuality mQuality;
 };
 
 }  // namespace
 
-LumaVideo::LumaVideo(const std::filesystem::path& file, bool mirrored)
-    : mVideo(file), mMirrored(mirrored) {}
-
-bool LumaVideo::next() {
-    if (!mVideo.read(mPixels))
-        return false;
-    const cv::Mat1b luma(mVideo.height(), mVideo.width(), mPixels.data());
-    if (mMirrored)
-        cv::flip(luma, mLuma, 1);
-    else
-        mLuma = luma;
-    ++mFramesRead;
-    return true;
-}
-
 VideoQuality judgeVideo(const std::filesystem::path& video, const std::optional<Source>& source,
                         const std::function<void(int)>& progress) {
-    LumaVideo frames(video);
-    MotionMeter meter;
-    std::optional<Comparison> comparison;
-    if (source)
-        comparison.emplace(*source);
-    VideoQuality quality;
-    quality.size = frames.size();
-    while (frames.next()) {
-        meter.take(frames.frame());
-        const int black = cv::countNonZero(blackBorder(frames.frame()));
-        quality.blackPixels += black;
-        quality.framesWithBlack += black > 0;
-        if (comparison)
-            comparison->take(quality.frames, frames.frame());
-        progress(++quality.frames);
-    }
-    quality.residual = residualMotion(meter.motions());
-    if (comparison)
-        quality.source = comparison->result(quality.frames);
-    return quality;
+    using Passing = std::shared_ptr<JudgedFrame>;
+    constexpr auto inOrder = tbb::filter_mode::serial_in_order;
+    constexpr auto beside = tbb::filter_mode::parallel;
+    Judgement judgement(video, source);
+    StepOrder order;
+    const auto step = [&](tbb::filter_mode mode, auto work) {
+        return tbb::make_filter<Passing, Passing>(mode, [&order, work](Passing frame) {
+            const StepOrder::Step ordered(order);
+            work(*frame);
+            return frame;
+        });
+    };
+    const auto read = [&](tbb::flow_control& control) {
+        const StepOrder::Step ordered(order);
+        auto frame = std::make_shared<JudgedFrame>();
+        if (!judgement.read(*frame))
+            control.stop();
+        return frame;
+    };
+    const auto take = [&](const Passing& frame) {
+        const StepOrder::Step ordered(order);
+        progress(judgement.take(*frame));
+    };
+    tbb::parallel_pipeline(
+        2 * tbb::info::default_concurrency() + 2,
+        tbb::make_filter<void, Passing>(inOrder, read) &
+            step(inOrder, [&](JudgedFrame& frame) { judgement.readSource(frame); }) &
+            step(beside, [](JudgedFrame& frame) { frame.prepare(); }) &
+            step(inOrder, [&](JudgedFrame& frame) { judgement.putInPlace(frame); }) &
+            step(beside, [](JudgedFrame& frame) { frame.measure(); }) &
+            tbb::make_filter<Passing, void>(inOrder, take));
+    return judgement.result();
 }
 
 }  // namespace orbitwalk::tool

@@ -1,7 +1,5 @@
 #include "render/Rendering.h"
 
-#include <malloc.h>
-
 #include <cstdio>
 #include <vector>
 
@@ -12,6 +10,7 @@
 #include "render/FramePlanes.h"
 #include "render/Panorama.h"
 #include "sweep/Steadiness.h"
+#include "terminal/FreedMemory.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
@@ -21,15 +20,6 @@ namespace orbitwalk::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Frames come and go all the time. Memory that was freed stays at hand for the next one; given
-/// back to the system it would come anew page by page, which takes up to half of a panorama's time.
-void keepFreedMemory() {
-#ifdef __GLIBC__
-    mallopt(M_MMAP_THRESHOLD, 32 << 20);
-    mallopt(M_TRIM_THRESHOLD, 256 << 20);
-#endif
-}
 
 void check(const RenderOptions& options) {
     if (options.video.empty() && options.strip.empty() && options.panorama.empty())

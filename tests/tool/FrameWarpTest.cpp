@@ -6,8 +6,8 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
-#include "render/BicubicWarp.h"
 #include "render/FramePlanes.h"
+#include "render/KernelWarp.h"
 #include "tool/AnalyticSweep.h"
 
 namespace orbitwalk::tool {
@@ -95,11 +95,16 @@ TEST(FrameWarp, IsThatOfOpenCvToTheByte) {
          {Affine{}, translation(0.5, -3.26), translation(-500, 120), translation(1e5, -1e5),
           Affine{0.97, -0.05, 3.3, 0.04, 0.98, 1.6}, Affine{-0.6, 0.9, 50.7, 0.8, 0.7, -20.1}})
         for (const cv::Mat1b& frame : {noise, cv::Mat1b(noise(cv::Rect({}, tiny)))}) {
-            cv::Mat1b expected, output(70, 91);
-            cv::warpAffine(frame, expected, matrixOf(map), output.size(),
-                           cv::INTER_CUBIC | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
-            warpBicubic(frame, map, output);
-            EXPECT_EQ(cv::norm(expected, output, cv::NORM_L1), 0);
+            cv::Mat1b output(70, 91);
+            const auto expectEqual = [&](auto warpBy, int method, int border) {
+                cv::Mat1b expected;
+                cv::warpAffine(frame, expected, matrixOf(map), output.size(),
+                               method | cv::WARP_INVERSE_MAP, border);
+                warpBy(frame, map, output);
+                EXPECT_EQ(cv::norm(expected, output, cv::NORM_L1), 0) << method;
+            };
+            expectEqual(warpBicubic, cv::INTER_CUBIC, cv::BORDER_REPLICATE);
+            expectEqual(warpLanczos, cv::INTER_LANCZOS4, cv::BORDER_CONSTANT);
         }
 }
 

@@ -6,6 +6,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "render/FramePlanes.h"
+#include "render/KernelWarp.h"
 
 namespace orbitwalk::tool {
 
@@ -50,9 +51,8 @@ cv::Mat1b inside(cv::Size source, const Affine& sourceFromPicture, cv::Size pict
 std::optional<double> relativeSharpness(const cv::Mat1b& picture, const cv::Mat1b& source,
                                         const Affine& sourceFromPicture,
                                         const EdgeRegions& missingBorder) {
-    cv::Mat1b shown;
-    cv::warpAffine(source, shown, matrixOf(sourceFromPicture), picture.size(),
-                   cv::INTER_LANCZOS4 | cv::WARP_INVERSE_MAP);
+    cv::Mat1b shown(picture.size());
+    warpLanczos(source, sourceFromPicture, shown);
     cv::Mat1b common = inside(source.size(), sourceFromPicture, picture.size());
     for (const PixelRun& run : missingBorder)
         common.row(run.row).colRange(run.first, run.end) = 0;

@@ -5,7 +5,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "media/ColourMatrix.h"
-#include "render/BicubicWarp.h"
+#include "render/KernelWarp.h"
 
 namespace orbitwalk::tool {
 

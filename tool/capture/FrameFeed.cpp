@@ -1,7 +1,7 @@
 #include "capture/FrameFeed.h"
 
 #include <algorithm>
-#include <future>
+#include <optional>
 #include <thread>
 
 #include "media/FramesAhead.h"
@@ -36,12 +36,6 @@ class Pace {
     std::chrono::duration<double> mInterval;
 };
 
-/// The result is waited for where it goes out of scope, too: the frame outlives the work on it.
-std::future<void> begin(const BesideEngine& work, std::span<const std::uint8_t> frame) {
-    return work ? std::async(std::launch::async, [&work, frame] { work(frame); })
-                : std::future<void>();
-}
-
 }  // namespace
 
 Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds,
@@ -51,6 +45,9 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, Stage
     Feed feed;
     // One more than a sweep holds, to know whether there are any.
     media::FramesAhead frames(video, OBW_MAX_FRAMES + 1);
+    std::optional<FrameWorker> beside;
+    if (besideEngine)
+        beside.emplace(besideEngine);
     std::vector<std::uint8_t> frame;
     while (frames.next(frame)) {
         if (feed.path.size() == OBW_MAX_FRAMES) {
@@ -60,16 +57,17 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, Stage
         SignalGuard::check();
         if (realtime)
             pace.waitFor(feed.path.size());
-        std::future<void> beside = begin(besideEngine, frame);
         const Trajectory point = timed(seconds.measure, [&] { return session.measure(frame); });
         while (!timed(seconds.waitForEncoder, [&] { return session.waitForRoom(kSignalPatience); }))
             SignalGuard::check();
         timed(seconds.feed, [&] { session.feed(frame, point); });
-        if (beside.valid())
-            beside.get();
+        if (beside)
+            beside->take(frame);
         feed.path.push_back(point);
         bar.update(static_cast<std::int64_t>(feed.path.size()));
     }
+    if (beside)
+        beside->finish();
     seconds.decode += frames.seconds();
     return feed;
 }

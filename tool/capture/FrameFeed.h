@@ -2,10 +2,9 @@
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
-#include <span>
 #include <vector>
 
+#include "capture/FrameWorker.h"
 #include "capture/Session.h"
 #include "media/VideoReader.h"
 #include "sweep/Summary.h"
@@ -30,8 +29,9 @@ struct Feed {
     bool truncated = false;        ///< The video has more frames than a sweep can hold.
 };
 
-/// Told of every frame that is fed, I420, in order, on another thread while the engine works on it.
-using BesideEngine = std::function<void(std::span<const std::uint8_t> frame)>;
+/// Told of every frame that is fed, I420, in order, on another thread, up to a few frames after the
+/// engine.
+using BesideEngine = FrameWorker::Work;
 
 /// Decodes the video, on a thread of its own, and gives each frame to the session, at most as many
 /// as a sweep can hold.

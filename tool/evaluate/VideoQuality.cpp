@@ -4,6 +4,7 @@
 #include <tbb/parallel_pipeline.h>
 
 #include <memory>
+#include <vector>
 
 #include "evaluate/JudgedFrame.h"
 #include "evaluate/LumaVideo.h"
@@ -67,41 +68,49 @@ class Judgement {
     VideoQuality mQuality;
 };
 
-}  // namespace
-
-VideoQuality judgeVideo(const std::filesystem::path& video, const std::optional<Source>& source,
-                        const std::function<void(int)>& progress) {
-    using Passing = std::shared_ptr<JudgedFrame>;
+/// Takes the video's frames through the steps.
+void passAll(Judgement& judgement, const std::function<void(int)>& progress) {
     constexpr auto inOrder = tbb::filter_mode::serial_in_order;
     constexpr auto beside = tbb::filter_mode::parallel;
-    Judgement judgement(video, source);
+    // The frames pass in order and no more than so many are on their way: a slot is free again.
+    std::vector<JudgedFrame> slots(
+        static_cast<std::size_t>(2 * tbb::info::default_concurrency() + 2));
+    std::size_t begun = 0;
     StepOrder order;
     const auto step = [&](tbb::filter_mode mode, auto work) {
-        return tbb::make_filter<Passing, Passing>(mode, [&order, work](Passing frame) {
+        return tbb::make_filter<JudgedFrame*, JudgedFrame*>(mode, [&order, work](JudgedFrame* f) {
             const StepOrder::Step ordered(order);
-            work(*frame);
-            return frame;
+            work(*f);
+            return f;
         });
     };
     const auto read = [&](tbb::flow_control& control) {
         const StepOrder::Step ordered(order);
-        auto frame = std::make_shared<JudgedFrame>();
-        if (!judgement.read(*frame))
+        JudgedFrame& frame = slots[begun++ % slots.size()];
+        if (!judgement.read(frame))
             control.stop();
-        return frame;
+        return &frame;
     };
-    const auto take = [&](const Passing& frame) {
+    const auto take = [&](JudgedFrame* frame) {
         const StepOrder::Step ordered(order);
         progress(judgement.take(*frame));
+        *frame = {};
     };
     tbb::parallel_pipeline(
-        2 * tbb::info::default_concurrency() + 2,
-        tbb::make_filter<void, Passing>(inOrder, read) &
-            step(inOrder, [&](JudgedFrame& frame) { judgement.readSource(frame); }) &
-            step(beside, [](JudgedFrame& frame) { frame.prepare(); }) &
-            step(inOrder, [&](JudgedFrame& frame) { judgement.putInPlace(frame); }) &
-            step(beside, [](JudgedFrame& frame) { frame.measure(); }) &
-            tbb::make_filter<Passing, void>(inOrder, take));
+        slots.size(), tbb::make_filter<void, JudgedFrame*>(inOrder, read) &
+                          step(inOrder, [&](JudgedFrame& frame) { judgement.readSource(frame); }) &
+                          step(beside, [](JudgedFrame& frame) { frame.prepare(); }) &
+                          step(inOrder, [&](JudgedFrame& frame) { judgement.putInPlace(frame); }) &
+                          step(beside, [](JudgedFrame& frame) { frame.measure(); }) &
+                          tbb::make_filter<JudgedFrame*, void>(inOrder, take));
+}
+
+}  // namespace
+
+VideoQuality judgeVideo(const std::filesystem::path& video, const std::optional<Source>& source,
+                        const std::function<void(int)>& progress) {
+    Judgement judgement(video, source);
+    passAll(judgement, progress);
     return judgement.result();
 }
 

@@ -87,15 +87,16 @@ function(orbitwalk_engine_library name exports)
     set_target_properties(${name} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
 
-# orbitwalk_test(NAME [ALONE] [ONE_THREAD] [NOT_SANITIZED] SOURCES file... [LIBRARIES lib...] [DEFINITIONS NAME=VALUE...]
+# orbitwalk_test(NAME [ALONE] [ONE_THREAD] [THREADED filter] [NOT_SANITIZED] SOURCES file... [LIBRARIES lib...] [DEFINITIONS NAME=VALUE...]
 #     [DEPENDS target...])
 # Declares one GoogleTest program and registers its tests with CTest. A sanitizer build registers the program as one
 # test: its processes take seconds to begin.
 #   ALONE          its files name things alike: each is compiled alone in a unity build too.
 #   ONE_THREAD     what it tests has no threads of its own: the thread sanitizer's build does without it.
+#   THREADED       the tests, as a filter, that the thread sanitizer's build runs: those of threads.
 #   NOT_SANITIZED  what it tests is not this project's C++, or only as it is released: no sanitizer's build has it.
 function(orbitwalk_test name)
-    cmake_parse_arguments(ARG "ALONE;ONE_THREAD;NOT_SANITIZED" "" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS" ${ARGN})
+    cmake_parse_arguments(ARG "ALONE;ONE_THREAD;NOT_SANITIZED" "THREADED" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS" ${ARGN})
     if((ARG_ONE_THREAD AND ORBITWALK_SANITIZE STREQUAL thread) OR (ARG_NOT_SANITIZED AND ORBITWALK_SANITIZE))
         return()
     endif()
@@ -113,7 +114,10 @@ function(orbitwalk_test name)
     # Test code takes long to optimise and little to run.
     target_compile_options(${name} PRIVATE -O0)
     if(ORBITWALK_SANITIZE)
-        add_test(NAME ${name} COMMAND ${name})
+        if(ARG_THREADED AND ORBITWALK_SANITIZE STREQUAL thread)
+            set(filter --gtest_filter=${ARG_THREADED})
+        endif()
+        add_test(NAME ${name} COMMAND ${name} ${filter})
         set_tests_properties(${name} PROPERTIES TIMEOUT 1800)
     else()
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)

@@ -43,8 +43,9 @@ struct Cubic {
     }
 };
 
-/// Half a turn of the sine and a quarter as much of the wider one: their product over the square of
-/// the distance, but for a factor that the sum of the weights takes out again.
+/// sinc(x) sinc(x / 4). At points a pixel apart the first sine is one number but for its sign,
+/// which is in the five quarters of the angle; the number itself goes where the weights come to
+/// sum 1.
 struct Lanczos {
     static constexpr int taps = 8;
     static constexpr bool blackBeyond = true;

@@ -1,6 +1,10 @@
 #include "frameproc/SPMCQueue.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <mutex>
 #include <shared_mutex>
@@ -12,6 +16,25 @@ namespace {
 
 constexpr char kLogTag[] = "WR_SPMCQueue";
 constexpr char kEndMarker[] = "terminate";
+
+/// Asks for huge pages, before the block is first touched: page by page, zeroing the ring of a
+/// 1080p capture waits for eleven thousand faults. Where there are none, nothing changes.
+void preferHugePages(unsigned char* block, std::size_t size) {
+    constexpr std::size_t kWorthIt = 4 << 20;
+    if (size < kWorthIt)
+        return;
+    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const std::uintptr_t lead = -reinterpret_cast<std::uintptr_t>(block) % page;
+    madvise(block + lead, (size - lead) / page * page, MADV_HUGEPAGE);
+}
+
+/// Freed by `delete[]`.
+unsigned char* zeroedBlock(std::size_t size) {
+    auto* const block = new unsigned char[size];
+    preferHugePages(block, size);
+    std::memset(block, 0, size);
+    return block;
+}
 
 }  // namespace
 
@@ -39,7 +62,7 @@ T* SPMCQueue<T>::allocateRing(T* inputPool) {
         mAllocations.push_back(Block(inputPool, BlockDeleter{.isOwned = false}));
         logInfo("SPMCQueue use input buffer pool =%p", static_cast<void*>(inputPool));
     } else {
-        mAllocations.push_back(Block(new T[totalSize]()));
+        mAllocations.push_back(Block(zeroedBlock(totalSize)));
         logInfo("SPMCQueue buffer - done memset");
         logInfo("SPMCQueue buffer alloc done : buf=%p",
                 static_cast<void*>(mAllocations.back().get()));

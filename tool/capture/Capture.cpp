@@ -1,6 +1,8 @@
 #include "capture/Capture.h"
 
 #include <chrono>
+#include <future>
+#include <memory>
 #include <span>
 #include <string>
 
@@ -63,15 +65,23 @@ VideoFacts factsOf(const CaptureOptions& options, const media::VideoReader& vide
             .completeness = video.completeness()};
 }
 
+/// Reads the whole file beside the capture: it is large, and the end would wait for it.
+/// @return nothing where the sweep's first frame is not the file's: who measures the motion again
+/// counts from there.
+std::future<std::optional<FileIdentity>> sourceOf(const CaptureOptions& options) {
+    return std::async(std::launch::async, [&options]() -> std::optional<FileIdentity> {
+        if (options.start.value_or(std::chrono::microseconds(0)).count() != 0)
+            return std::nullopt;
+        return identityOf(options.video);
+    });
+}
+
 /// @param video  read to its end.
 void fillFromVideo(CaptureResult& result, const CaptureOptions& options,
                    const media::VideoReader& video) {
     Summary& summary = result.summary;
     result.video = factsOf(options, video);
     summary.video = options.video;
-    // Who measures the motion again counts the frames from the file's first.
-    if (options.start.value_or(std::chrono::microseconds(0)).count() == 0)
-        summary.source = identityOf(options.video);
     const media::FrameRate rate = video.frameRate();
     summary.videoRate = static_cast<double>(rate.numerator) / rate.denominator;
     summary.complete = result.video.completeness.isComplete();
@@ -86,10 +96,10 @@ bool wentVertically(const Summary& summary, const std::vector<Trajectory>& path,
 }
 
 /// @param measurer  of the refinement, if there is to be one.
-Feed feedAll(const CaptureOptions& options, media::VideoReader& video, Session& session,
+Feed feedAll(const CaptureOptions& options, std::unique_ptr<FrameSource> video, Session& session,
              StageSeconds& seconds, std::optional<FrameMeasurer>& measurer) {
-    Feed feed = measurer ? feedVideo(video, session, options.realtime, seconds, std::ref(*measurer))
-                         : feedVideo(video, session, options.realtime, seconds);
+    Feed feed = feedVideo(std::move(video), session, options.realtime, seconds,
+                          measurer ? BesideEngine(std::ref(*measurer)) : BesideEngine());
     if (feed.path.empty())
         throw options.start || options.duration
             ? UsageError("--start and --duration leave no frame of " + options.video.string())
@@ -123,19 +133,23 @@ SessionResult runSession(const CaptureOptions& options, media::VideoReader& vide
     CaptureResult result;
     Summary& summary = result.summary;
     const int orientation = options.orientation.value_or(0);
+    const FrameSize size{video.width(), video.height()};
     std::FILE* const mp4 = outputs.create(options.directory / kSweepVideoName,
                                           // Videos of earlier versions do not say who wrote them.
                                           isOwnFile(options.directory / kSweepRecordName));
-    Session session({.width = video.width(),
-                     .height = video.height(),
+    // Decoding begins while the engine makes itself ready.
+    auto frames = std::make_unique<FrameSource>(video);
+    Session session({.width = size.width,
+                     .height = size.height,
                      .orientation = orientation,
                      .frontCameraFlipped = options.frontCameraFlipped,
                      .mp4Name = options.directory / kSweepVideoName},
                     mp4);
+    std::future<std::optional<FileIdentity>> source = sourceOf(options);
     std::optional<FrameMeasurer> measurer;
     if (options.refine)
-        measurer.emplace(FrameSize{video.width(), video.height()});
-    const Feed feed = feedAll(options, video, session, summary.seconds, measurer);
+        measurer.emplace(size);
+    const Feed feed = feedAll(options, std::move(frames), session, summary.seconds, measurer);
     const SweepSelection selection =
         selectRange(options.range, feed.path, orientation, options.frontCameraFlipped);
     ProgressBar bar("Finishing", 100);
@@ -149,6 +163,7 @@ SessionResult runSession(const CaptureOptions& options, media::VideoReader& vide
     outputs.write(options.directory / kSweepPathName, csv);
     summary.checksums = checksumsOf(mp4, recordBytes, csv);
 
+    summary.source = source.get();
     fillFromVideo(result, options, video);
     fillFigures(summary, record, rows);
     const int shown = orientationOfRotation(result.video.unheededRotation).value_or(0);

@@ -4,7 +4,6 @@
 #include <optional>
 #include <thread>
 
-#include "media/FramesAhead.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 
@@ -38,18 +37,22 @@ class Pace {
 
 }  // namespace
 
-Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds,
-               const BesideEngine& besideEngine) {
-    ProgressBar bar("Capturing", std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES));
-    const Pace pace(video.frameRate());
+FrameSource::FrameSource(media::VideoReader& video)
+    : expected(std::min<std::int64_t>(video.expectedFrames(), OBW_MAX_FRAMES)),
+      rate(video.frameRate()),
+      // One more than a sweep holds, to know whether there are any.
+      frames(video, OBW_MAX_FRAMES + 1) {}
+
+Feed feedVideo(std::unique_ptr<FrameSource> source, Session& session, bool realtime,
+               StageSeconds& seconds, const BesideEngine& besideEngine) {
+    ProgressBar bar("Capturing", source->expected);
+    const Pace pace(source->rate);
     Feed feed;
-    // One more than a sweep holds, to know whether there are any.
-    media::FramesAhead frames(video, OBW_MAX_FRAMES + 1);
     std::optional<FrameWorker> beside;
     if (besideEngine)
         beside.emplace(besideEngine);
     std::vector<std::uint8_t> frame;
-    while (frames.next(frame)) {
+    while (source->frames.next(frame)) {
         if (feed.path.size() == OBW_MAX_FRAMES) {
             feed.truncated = true;
             break;
@@ -68,7 +71,7 @@ Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, Stage
     }
     if (beside)
         beside->finish();
-    seconds.decode += frames.seconds();
+    seconds.decode += source->frames.seconds();
     return feed;
 }
 

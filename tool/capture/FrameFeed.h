@@ -2,10 +2,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "capture/FrameWorker.h"
 #include "capture/Session.h"
+#include "media/FramesAhead.h"
 #include "media/VideoReader.h"
 #include "sweep/Summary.h"
 
@@ -23,6 +25,16 @@ auto timed(double& seconds, Stage&& stage) {
     return stage();
 }
 
+/// A video whose frames are being decoded, on a thread of their own.
+struct FrameSource {
+    /// @param video  is asked for nothing else until this is gone.
+    explicit FrameSource(media::VideoReader& video);
+
+    std::int64_t expected;  ///< Frames of a sweep, by the video's word; see VideoReader.
+    media::FrameRate rate;
+    media::FramesAhead frames;
+};
+
 /// What came of feeding a video.
 struct Feed {
     std::vector<Trajectory> path;  ///< One point a frame.
@@ -33,12 +45,12 @@ struct Feed {
 /// engine.
 using BesideEngine = FrameWorker::Work;
 
-/// Decodes the video, on a thread of its own, and gives each frame to the session, at most as many
-/// as a sweep can hold.
+/// Gives each frame to the session, at most as many as a sweep can hold.
+/// @param source  gone on return.
 /// @param realtime  paces the frames at the video's rate; otherwise they come as fast as the
 /// encoder takes them.
 /// @throws ToolError, also on a signal; MediaError; what besideEngine throws.
-Feed feedVideo(media::VideoReader& video, Session& session, bool realtime, StageSeconds& seconds,
-               const BesideEngine& besideEngine = {});
+Feed feedVideo(std::unique_ptr<FrameSource> source, Session& session, bool realtime,
+               StageSeconds& seconds, const BesideEngine& besideEngine = {});
 
 }  // namespace orbitwalk::tool

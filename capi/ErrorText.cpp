@@ -22,7 +22,7 @@ struct Text {
         length = 0;
         characters[0] = '\0';
     }
-    void add(const char* format, std::va_list values) {
+    [[gnu::format(printf, 2, 0)]] void add(const char* format, std::va_list values) {
         if (length != 0)
             append("; ");
         const std::size_t room = characters.size() - length;
@@ -42,7 +42,7 @@ struct Text {
 
 thread_local Text text;
 
-void watch(const char* format, std::va_list values) noexcept {
+[[gnu::format(printf, 1, 0)]] void watch(const char* format, std::va_list values) noexcept {
     text.add(format, values);
 }
 

@@ -56,6 +56,8 @@ endif()
 # What a program of a sanitizer build needs besides; nothing in the others.
 add_library(orbitwalk_sanitized_program INTERFACE)
 if(ORBITWALK_SANITIZE STREQUAL thread)
+    # The code tells it of the order that it cannot see.
+    target_compile_definitions(orbitwalk_settings INTERFACE ORBITWALK_THREAD_SANITIZER)
     add_library(thread_sanitized_opencv OBJECT ${PROJECT_SOURCE_DIR}/cmake/ThreadSanitizedOpenCV.cpp)
     target_link_libraries(thread_sanitized_opencv PRIVATE orbitwalk_settings OrbitwalkOpenCV::core)
     target_link_libraries(orbitwalk_sanitized_program INTERFACE OrbitwalkOpenCV::core)
@@ -87,20 +89,24 @@ function(orbitwalk_engine_library name exports)
     set_target_properties(${name} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
 
-# orbitwalk_test(NAME [ALONE] [ONE_THREAD] [THREADED filter] [NOT_SANITIZED] SOURCES file... [LIBRARIES lib...] [DEFINITIONS NAME=VALUE...]
+# orbitwalk_test(NAME [OWN_NEW] [ALONE] [ONE_THREAD] [THREADED filter] [NOT_SANITIZED] SOURCES file... [LIBRARIES lib...] [DEFINITIONS NAME=VALUE...]
 #     [DEPENDS target...])
 # Declares one GoogleTest program and registers its tests with CTest. A sanitizer build registers the program as one
 # test: its processes take seconds to begin.
+#   OWN_NEW        it replaces operator new; clang links its thread sanitizer's where it is asked to link C++.
 #   ALONE          its files name things alike: each is compiled alone in a unity build too.
 #   ONE_THREAD     what it tests has no threads of its own: the thread sanitizer's build does without it.
 #   THREADED       the tests, as a filter, that the thread sanitizer's build runs: those of threads.
 #   NOT_SANITIZED  what it tests is not this project's C++, or only as it is released: no sanitizer's build has it.
 function(orbitwalk_test name)
-    cmake_parse_arguments(ARG "ALONE;ONE_THREAD;NOT_SANITIZED" "THREADED" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS" ${ARGN})
+    cmake_parse_arguments(ARG "OWN_NEW;ALONE;ONE_THREAD;NOT_SANITIZED" "THREADED" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS" ${ARGN})
     if((ARG_ONE_THREAD AND ORBITWALK_SANITIZE STREQUAL thread) OR (ARG_NOT_SANITIZED AND ORBITWALK_SANITIZE))
         return()
     endif()
     add_executable(${name} ${ARG_SOURCES})
+    if(ARG_OWN_NEW AND ORBITWALK_SANITIZE STREQUAL thread)
+        set_target_properties(${name} PROPERTIES LINKER_LANGUAGE C)
+    endif()
     if(ARG_ALONE)
         set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
     endif()

@@ -20,6 +20,7 @@ for preset in "${@:-release}"; do
     case $preset in
         arm64) prepare_machine arm64 aarch64-linux-gnu ;;
         armhf) prepare_machine armhf arm-linux-gnueabihf ;;
+        asan | tsan) install_packages "${packages_clang[@]}" ;;
     esac
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset"

@@ -82,7 +82,7 @@ void addDifferences(std::span<const SimilarityTransform> motions, std::span<cons
     perAxis.tail(axes - 2).setConstant(weights.angle);
     std::array<LinearMotion, 3> last;  // r_(t-2), r_(t-1), r_t
     for (Index t = 1; t < std::ssize(motions); ++t) {
-        std::ranges::rotate(last, last.begin() + 1);
+        std::rotate(last.begin(), last.begin() + 1, last.end());
         last[2] = linearise(around[t - 1], motions[t], around[t]);
         if (t < 2)
             continue;

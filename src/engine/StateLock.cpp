@@ -2,14 +2,6 @@
 
 #include <cstdlib>
 
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define ORBITWALK_THREAD_SANITIZER
-#endif
-#elif defined(__SANITIZE_THREAD__)
-#define ORBITWALK_THREAD_SANITIZER
-#endif
-
 #ifdef ORBITWALK_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
 #endif

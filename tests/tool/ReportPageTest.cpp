@@ -38,7 +38,7 @@ TEST(ReportJson, MayStandInsideAScriptElement) {
     const std::string text = reportJson(data, {});
     EXPECT_EQ(text.find('<'), std::string::npos);
     EXPECT_EQ(nlohmann::json::parse(text).at("direction"), hostile);
-    EXPECT_NO_THROW(nlohmann::json::parse(reportJson(smallData("no UTF-8: \xff"), {})));
+    EXPECT_TRUE(nlohmann::json::accept(reportJson(smallData("no UTF-8: \xff"), {})));
 }
 
 TEST(ReportPage, IsWhole) {

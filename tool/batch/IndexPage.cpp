@@ -115,8 +115,9 @@ std::string countsOf(const std::vector<ClipReport>& reports) {
 
 std::string indexPage(const std::vector<ClipReport>& reports) {
     std::vector<ClipReport> sorted = reports;
-    std::ranges::stable_partition(
-        sorted, [](const ClipReport& report) { return report.state == ClipState::Failed; });
+    std::stable_partition(sorted.begin(), sorted.end(), [](const ClipReport& report) {
+        return report.state == ClipState::Failed;
+    });
     std::string clips;
     for (const ClipReport& report : sorted)
         clips += itemOf(report);

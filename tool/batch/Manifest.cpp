@@ -14,6 +14,7 @@
 #pragma GCC diagnostic push
 // It ends a name that it cuts off itself; GCC warns of that where it inlines the call.
 #pragma GCC diagnostic ignored "-Wpragmas"
+#pragma GCC diagnostic ignored "-Wunknown-warning-option"
 #pragma GCC diagnostic ignored "-Wstringop-truncation"
 #include <libfccp/csv.h>
 #pragma GCC diagnostic pop

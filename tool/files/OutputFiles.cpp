@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <ranges>
 
 #include "files/OwnFiles.h"
 #include "terminal/ToolError.h"
@@ -126,8 +126,7 @@ void OutputFiles::commit() {
         for (File& file : mFiles)
             putInPlace(file);
     } catch (...) {
-        for (File& file : std::views::reverse(mFiles))
-            putBack(file);
+        std::for_each(mFiles.rbegin(), mFiles.rend(), [&](File& file) { putBack(file); });
         throw;
     }
     mCommitted = true;

@@ -1,6 +1,6 @@
 #pragma once
 
-#if defined(__SANITIZE_THREAD__)
+#ifdef ORBITWALK_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
 #endif
 
@@ -27,7 +27,7 @@ class StepOrder {
     };
 
   private:
-#if defined(__SANITIZE_THREAD__)
+#ifdef ORBITWALK_THREAD_SANITIZER
     void begin() {
         __tsan_acquire(this);
     }

@@ -54,12 +54,13 @@ SimilarityTransform weakened(SimilarityTransform map, double gain) {
 
 struct MotionEstimator::State {
     FrameSize size;
-    int reduction;
+    int reduction = reductionFor(size);
+    int window = trackWindowFor(reduction);
     bool hasFrame = false;
     cv::Mat1b picture{};
     TrackedFrame now{};
     TrackedFrame before{};
-    CornerFinder findCorners{};
+    CornerFinder findCorners{window};
     TrackedFrame key{};  ///< An earlier frame, with every other corner; empty corners: none.
     SimilarityTransform sinceKey{};  ///< From the key frame to the frame before.
 
@@ -105,7 +106,7 @@ struct MotionEstimator::State {
     }
 
     /// The motion since the frame before, by the two frames alone.
-    FrameMotion step() const { return judged(follow(before, now), before.corners.size()); }
+    FrameMotion step() const { return judged(follow(before, now, window), before.corners.size()); }
 
     std::vector<cv::Point2f> expected(const SimilarityTransform& motion) const {
         std::vector<cv::Point2f> points;
@@ -129,7 +130,7 @@ struct MotionEstimator::State {
         if (std::abs(fromKey.angle) > kKeyAngle || std::abs(fromKey.logScale) > kKeyLogScale)
             return false;
         const FrameMotion direct =
-            judged(followNear(key, now, expected(fromKey)), key.corners.size());
+            judged(followNear(key, now, window, expected(fromKey)), key.corners.size());
         const SimilarityTransform difference = direct.motion * fromKey.inverse();
         if (!direct.measured ||
             direct.quality.tracks < kKeyAgreeing * static_cast<double>(key.corners.size()) ||
@@ -153,7 +154,7 @@ struct MotionEstimator::State {
     }
 
     void makeKey() {
-        makeTrackingPyramid(picture, key.pyramid);
+        makeTrackingPyramid(picture, window, key.pyramid);
         for (std::size_t i = 0; i < now.corners.size(); i += 2)
             key.corners.push_back(now.corners[i]);
         sinceKey = {0, 0, 0, 0, frameCentre(size)};
@@ -162,7 +163,7 @@ struct MotionEstimator::State {
     FrameMotion next(const LumaFrame& frame) {
         const SimilarityTransform still{0, 0, 0, 0, frameCentre(size)};
         makeWorkingPicture(frame, reduction, picture);
-        makeTrackingPyramid(picture, now.pyramid);
+        makeTrackingPyramid(picture, window, now.pyramid);
         FrameMotion motion;
         if (hasFrame) {
             motion = step();
@@ -182,7 +183,7 @@ struct MotionEstimator::State {
 MotionEstimator::MotionEstimator(FrameSize size) {
     if (!isUsable(size))
         throw std::invalid_argument("a frame's sides are 16 to 32767 pixels");
-    mState = std::make_unique<State>(State{.size = size, .reduction = reductionFor(size)});
+    mState = std::make_unique<State>(State{.size = size});
 }
 
 MotionEstimator::~MotionEstimator() = default;

@@ -14,23 +14,30 @@ using Points = std::vector<cv::Point2f>;
 constexpr double kReturnTolerance = 0.5;
 constexpr int kNearLevels = 1;
 
+/// How far to look, and from where.
+struct Search {
+    int window;
+    int levels;
+    int flags;
+};
+
 std::vector<uchar> track(const TrackedFrame& from, const TrackedFrame& to, const Points& points,
-                         Points& found, int levels, int flags) {
+                         Points& found, const Search& search) {
     const cv::TermCriteria until(cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.01);
     std::vector<uchar> status;
     cv::calcOpticalFlowPyrLK(from.pyramid, to.pyramid, points, found, status, cv::noArray(),
-                             {kTrackWindow, kTrackWindow}, levels, until, flags);
+                             {search.window, search.window}, search.levels, until, search.flags);
     return status;
 }
 
 TrackedPoints thereAndBack(const TrackedFrame& before, const TrackedFrame& now, Points found,
-                           int levels, int flags) {
+                           const Search& search) {
     const Points& points = before.corners;
     if (points.empty())
         return {};
-    const auto there = track(before, now, points, found, levels, flags);
+    const auto there = track(before, now, points, found, search);
     Points back = points;
-    const auto again = track(now, before, found, back, levels, flags);
+    const auto again = track(now, before, found, back, search);
     TrackedPoints kept;
     for (std::size_t i = 0; i < points.size(); ++i)
         if (there[i] && again[i] && cv::norm(points[i] - back[i]) < kReturnTolerance) {
@@ -42,14 +49,14 @@ TrackedPoints thereAndBack(const TrackedFrame& before, const TrackedFrame& now, 
 
 }  // namespace
 
-TrackedPoints follow(const TrackedFrame& before, const TrackedFrame& now) {
-    return thereAndBack(before, now, {}, kPyramidLevels, 0);
+TrackedPoints follow(const TrackedFrame& before, const TrackedFrame& now, int window) {
+    return thereAndBack(before, now, {}, {window, kPyramidLevels, 0});
 }
 
-TrackedPoints followNear(const TrackedFrame& before, const TrackedFrame& now,
+TrackedPoints followNear(const TrackedFrame& before, const TrackedFrame& now, int window,
                          std::span<const cv::Point2f> expected) {
-    return thereAndBack(before, now, {expected.begin(), expected.end()}, kNearLevels,
-                        cv::OPTFLOW_USE_INITIAL_FLOW);
+    return thereAndBack(before, now, {expected.begin(), expected.end()},
+                        {window, kNearLevels, cv::OPTFLOW_USE_INITIAL_FLOW});
 }
 
 }  // namespace orbitwalk::refine

@@ -22,11 +22,12 @@ struct TrackedPoints {
     std::vector<cv::Point2f> to;
 };
 
-TrackedPoints follow(const TrackedFrame& before, const TrackedFrame& now);
+/// @param window  side of the tracker's windows, at most what the pyramids were made for.
+TrackedPoints follow(const TrackedFrame& before, const TrackedFrame& now, int window);
 
 /// The same where the motion is known to a pixel or so: nearer, and in a third of the time.
 /// @param expected  where each corner of `before` should be.
-TrackedPoints followNear(const TrackedFrame& before, const TrackedFrame& now,
+TrackedPoints followNear(const TrackedFrame& before, const TrackedFrame& now, int window,
                          std::span<const cv::Point2f> expected);
 
 }  // namespace orbitwalk::refine

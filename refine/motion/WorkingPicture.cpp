@@ -4,6 +4,8 @@
 #include <opencv2/imgproc.hpp>
 #include <opencv2/video/tracking.hpp>
 
+#include "motion/CornerStrength.h"
+
 namespace orbitwalk::refine {
 
 namespace {
@@ -15,13 +17,10 @@ constexpr int kSmallSide = 900;
 constexpr int kCornersPerCellOfSmall = 4;
 /// Corners of one cell are at least this far apart, pixels of the halved picture.
 constexpr int kCornerDistance = 5;
-constexpr int kCornerBlock = 3;
 /// Smaller eigenvalue below which a place is no corner, as a share of the picture's best one.
 constexpr float kCornerQuality = 2e-3f;
 /// And in any case: what noise of one grey level reaches.
 constexpr float kLeastCorner = 2e-5f;
-/// A corner's window in the working picture must lie in it; pixels of the halved picture.
-constexpr int kBorder = kTrackWindow / 4 + 2;
 
 /// The strongest place of a cell; the first in reading order of several.
 cv::Point strongest(const cv::Mat1f& strength, cv::Rect cell) {
@@ -69,19 +68,25 @@ void makeWorkingPicture(const LumaFrame& frame, int reduction, cv::Mat1b& pictur
         cv::pyrDown(picture, picture);
 }
 
-void makeTrackingPyramid(const cv::Mat1b& picture, std::vector<cv::Mat>& pyramid) {
-    cv::buildOpticalFlowPyramid(picture, pyramid, {kTrackWindow, kTrackWindow}, kPyramidLevels);
+int trackWindowFor(int reduction) {
+    return reduction == 1 ? 21 : 16;
 }
+
+void makeTrackingPyramid(const cv::Mat1b& picture, int window, std::vector<cv::Mat>& pyramid) {
+    cv::buildOpticalFlowPyramid(picture, pyramid, {window, window}, kPyramidLevels);
+}
+
+CornerFinder::CornerFinder(int window) : mBorder(window / 4 + 2) {}
 
 std::vector<cv::Point2f> CornerFinder::operator()(const std::vector<cv::Mat>& pyramid) {
     // A level is a picture and its derivatives; a picture too small to be halved has one level.
     if (pyramid.size() < 4)
         return {};
     const cv::Mat& halved = pyramid[2];
-    const cv::Rect inside(kBorder, kBorder, halved.cols - 2 * kBorder, halved.rows - 2 * kBorder);
+    const cv::Rect inside(mBorder, mBorder, halved.cols - 2 * mBorder, halved.rows - 2 * mBorder);
     if (inside.width < 1 || inside.height < 1)
         return {};
-    cv::cornerMinEigenVal(halved, mStrength, kCornerBlock);
+    cornerStrength(halved, mStrength);
     double best = 0;
     cv::minMaxLoc(mStrength(inside), nullptr, &best);
     const float least = std::max(kLeastCorner, kCornerQuality * static_cast<float>(best));

@@ -15,6 +15,7 @@
 #include "sweep/Steadiness.h"
 #include "sweep/SweepFiles.h"
 #include "sweep/Tables.h"
+#include "terminal/FreedMemory.h"
 #include "terminal/ProgressBar.h"
 #include "terminal/SignalGuard.h"
 #include "terminal/ToolError.h"
@@ -147,8 +148,10 @@ SessionResult runSession(const CaptureOptions& options, media::VideoReader& vide
                     mp4);
     std::future<std::optional<FileIdentity>> source = sourceOf(options);
     std::optional<FrameMeasurer> measurer;
-    if (options.refine)
+    if (options.refine) {
+        keepFreedMemory();
         measurer.emplace(size);
+    }
     const Feed feed = feedAll(options, std::move(frames), session, summary.seconds, measurer);
     const SweepSelection selection =
         selectRange(options.range, feed.path, orientation, options.frontCameraFlipped);

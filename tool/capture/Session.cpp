@@ -8,8 +8,10 @@
 namespace orbitwalk::tool {
 namespace {
 
-// The engine's ring has 15 slots; up to this many waiting frames it never has to grow.
-constexpr int kWaitingFrames = 10;
+// Enough to keep the encoder at work, and few of the 15 slots of the engine's ring, which thus never
+// has to grow: frames that wait for long leave the processor's cache, and the encoder is left alone
+// with them at the end.
+constexpr int kWaitingFrames = 4;
 
 /// A path that is kept in doubles is the engine's floats, and goes back as it came.
 std::array<float, 3> asFloats(const Trajectory& point) {

@@ -1,9 +1,9 @@
 #include "evaluate/Evaluation.h"
 
 #include <algorithm>
-#include <numbers>
 
 #include "evaluate/LumaVideo.h"
+#include "sweep/Degrees.h"
 #include "sweep/Playlist.h"
 #include "sweep/Steadiness.h"
 #include "sweep/Sweep.h"
@@ -86,7 +86,7 @@ VideoQuality judge(const EvaluateOptions& options, const std::optional<Sweep>& s
 
 refine::PathResidual residualOf(const std::optional<ResidualMotion>& motion) {
     const ResidualMotion measured = motion.value_or(ResidualMotion{});
-    return {measured.x, measured.y, measured.angle / 180 * std::numbers::pi};
+    return {measured.x, measured.y, radians(measured.angle)};
 }
 
 /// @param source  that the video was compared with.

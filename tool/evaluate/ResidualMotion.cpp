@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "sweep/Degrees.h"
+
 namespace orbitwalk::tool {
 
 namespace {
@@ -13,7 +15,7 @@ constexpr int kMeasuredSide = 1280;
 FrameMotion motionAtCentre(const Affine& map, cv::Size size) {
     const PicturePoint centre{(size.width - 1) / 2.0, (size.height - 1) / 2.0};
     const PicturePoint moved = map(centre);
-    return {moved.x - centre.x, moved.y - centre.y, std::atan2(map.yx, map.xx) * 180 / CV_PI};
+    return {moved.x - centre.x, moved.y - centre.y, degrees(std::atan2(map.yx, map.xx))};
 }
 
 }  // namespace

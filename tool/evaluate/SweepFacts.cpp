@@ -2,18 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <vector>
 
 #include "orbitwalk/GeometryOpenCV.h"
 #include "render/FramePlanes.h"
+#include "sweep/Degrees.h"
 #include "sweep/RecordFacts.h"
 
 namespace orbitwalk::tool {
 
 namespace {
-
-constexpr double kDegreesARadian = 180 / std::numbers::pi;
 
 std::vector<Trajectory> positionErrors(std::span<const SweepRow> measured,
                                        std::span<const Trajectory> truth) {
@@ -22,7 +20,7 @@ std::vector<Trajectory> positionErrors(std::span<const SweepRow> measured,
     std::vector<Trajectory> errors;
     for (std::size_t k = 0; k < measured.size(); ++k) {
         Trajectory error = (measured[k].position - m0) - (truth[k] - t0);
-        error.a *= kDegreesARadian;
+        error.a = degrees(error.a);
         errors.push_back(error);
     }
     return errors;
@@ -66,7 +64,7 @@ void addCorrection(const Shot& shot, cv::Size size, SweepFacts& facts) {
     facts.meanCorrectionX += moved.x;
     facts.meanCorrectionY += moved.y;
     facts.largestCorrection = std::max(facts.largestCorrection, std::hypot(moved.x, moved.y));
-    facts.largestTurn = std::max(facts.largestTurn, std::abs(moved.a) * kDegreesARadian);
+    facts.largestTurn = std::max(facts.largestTurn, degrees(std::abs(moved.a)));
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
-#include <numbers>
 #include <sstream>
 
 #include "inspect/RecordFormats.h"
+#include "sweep/Degrees.h"
 #include "sweep/RecordFacts.h"
 
 namespace orbitwalk::tool {
@@ -45,7 +45,7 @@ void writeHeader(std::ostream& out, const InspectedRecord& inspected,
 
 void writeMatrix(std::ostream& out, const MatrixEntry& entry, bool withFixed) {
     out << std::setprecision(3) << std::setw(10) << entry.dx << std::setw(10) << entry.dy
-        << std::setw(10) << entry.angle * 180 / std::numbers::pi;
+        << std::setw(10) << degrees(entry.angle);
     if (withFixed) {
         out << "  [";
         for (std::size_t i = 0; i < entry.fixed.size(); ++i)

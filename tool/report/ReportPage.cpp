@@ -2,11 +2,11 @@
 
 #include <cmath>
 #include <nlohmann/json.hpp>
-#include <numbers>
 
 #include "files/OwnFiles.h"
 #include "files/PageAssets.h"
 #include "files/PageText.h"
+#include "sweep/Degrees.h"
 #include "sweep/SmoothedPath.h"
 
 namespace orbitwalk::tool {
@@ -49,7 +49,7 @@ Json summaryJson(const ReportData& data) {
 }
 
 Json leftJson(const refine::PathResidual& residual) {
-    return {{"shift", residual.shift()}, {"angle", residual.angle * 180 / std::numbers::pi}};
+    return {{"shift", residual.shift()}, {"angle", degrees(residual.angle)}};
 }
 
 Json refinedJson(const RefinedPaths& refined) {

@@ -1,10 +1,10 @@
 #include "report/TradeOff.h"
 
 #include <cmath>
-#include <numbers>
 
 #include "orbitwalk/refine/PathPlanner.h"
 #include "orbitwalk/refine/RecordWriter.h"
+#include "sweep/Degrees.h"
 #include "sweep/RecordFacts.h"
 #include "sweep/Steadiness.h"
 #include "terminal/ToolError.h"
@@ -58,7 +58,7 @@ std::vector<TradeOff> plansOf(const Sweep& sweep, const std::vector<int>& shown)
 void Track::set(int frame, const Trajectory& value) {
     x[frame] = value.x;
     y[frame] = value.y;
-    angle[frame] = value.a * 180 / std::numbers::pi;
+    angle[frame] = degrees(value.a);
 }
 
 RefinedPaths refinedPaths(const Sweep& sweep) {

@@ -9,6 +9,7 @@
 #include "media/VideoWriter.h"
 #include "simulate/ScenePicture.h"
 #include "simulate/Simulation.h"
+#include "sweep/Degrees.h"
 #include "sweep/Summary.h"
 #include "sweep/SweepFiles.h"
 #include "sweep/Tables.h"
@@ -97,8 +98,8 @@ std::string toText(const ClipOptions& options, const ClipSummary& summary) {
                   ": %d frames of %dx%d, scene at %.2f pixels a pixel, %.1f s\n"
                   "picture path: %.1f x %.1f pixels, %.2f degrees; it ends at (%.1f, %.1f)\n",
                   settings.frames, settings.size.width, settings.size.height, summary.photoScale,
-                  summary.seconds, summary.extent.x, summary.extent.y,
-                  summary.extent.a * 180 / CV_PI, summary.end.x, summary.end.y);
+                  summary.seconds, summary.extent.x, summary.extent.y, degrees(summary.extent.a),
+                  summary.end.x, summary.end.y);
     return shown(options.clip) + numbers;
 }
 

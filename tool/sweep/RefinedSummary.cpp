@@ -2,10 +2,10 @@
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
-#include <numbers>
 
 #include "files/TextFile.h"
 #include "sweep/Checksum.h"
+#include "sweep/Degrees.h"
 #include "terminal/Print.h"
 #include "terminal/ToolError.h"
 
@@ -18,12 +18,11 @@ using Json = nlohmann::ordered_json;
 constexpr std::size_t kLongestText = 1 << 20;
 /// 1 did not say which video it belongs to.
 constexpr int kSchema = 2;
-constexpr double kDegrees = 180 / std::numbers::pi;
 
 Json residualJson(const refine::PathResidual& residual) {
     return {{"xPixels", residual.x},
             {"yPixels", residual.y},
-            {"angleDegrees", residual.angle * kDegrees}};
+            {"angleDegrees", degrees(residual.angle)}};
 }
 
 /// The values of a JSON object, each with its range.
@@ -50,7 +49,7 @@ class Fields {
         constexpr double most = 1e9;
         const Fields fields = inside(key);
         return {fields.number("xPixels", most), fields.number("yPixels", most),
-                fields.number("angleDegrees", most) / kDegrees};
+                radians(fields.number("angleDegrees", most))};
     }
 
   private:
@@ -118,7 +117,7 @@ std::string toText(const RefinedSummary& s) {
         "seconds           measure %.2f, plan %.3f, total %.2f\n",
         s.frames, s.size.width, s.size.height, s.rendered, s.unmeasured.size(), s.video.c_str(),
         s.crop.width, s.crop.height, s.crop.x, s.crop.y, 100 * s.keep, 100 * s.viewKept,
-        s.before.shift(), s.before.angle * kDegrees, s.after.shift(), s.after.angle * kDegrees,
+        s.before.shift(), degrees(s.before.angle), s.after.shift(), degrees(s.after.angle),
         s.seconds.measure, s.seconds.plan, s.seconds.total);
     return text + ("verdict           " + verdictOn(steadinessOf(s)).text) + "\n";
 }

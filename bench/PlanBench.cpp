@@ -45,7 +45,7 @@ void planSweep(benchmark::State& state) {
 }
 BENCHMARK(planSweep)
     ->ArgNames({"frames", "keep%"})
-    ->ArgsProduct({{125, 250, 500, 1000}, {90}})
+    ->ArgsProduct({{125, 250, 500, 1000, 10000}, {90}})
     ->Unit(benchmark::kMillisecond)
     ->Complexity(benchmark::oN);
 BENCHMARK(planSweep)

@@ -8,9 +8,9 @@
 namespace orbitwalk::tool {
 namespace {
 
-// Enough to keep the encoder at work, and few of the 15 slots of the engine's ring, which thus never
-// has to grow: frames that wait for long leave the processor's cache, and the encoder is left alone
-// with them at the end.
+// Enough to keep the encoder at work, and few of the 15 slots of the engine's ring, which thus
+// never has to grow: frames that wait for long leave the processor's cache, and the encoder is left
+// alone with them at the end.
 constexpr int kWaitingFrames = 4;
 
 /// A path that is kept in doubles is the engine's floats, and goes back as it came.

@@ -84,9 +84,9 @@ TEST_F(CaptureCommand, TurnsAVideoIntoMp4RecordAndPath) {
     EXPECT_EQ(summary.at("repeatedMotionWarning"), false);
     EXPECT_EQ(summary.at("verdict").at("steadier"), false);
     EXPECT_EQ(summary.at("outputs").at("record"), mOut + "/sweep.obw");
-    double stages = 0;
+    double stages = 0;  // One after the other; decoding is beside them.
     for (const auto& [stage, seconds] : summary.at("seconds").items())
-        stages += stage == "total" ? 0 : seconds.get<double>();
+        stages += stage == "total" || stage == "decode" ? 0 : seconds.get<double>();
     EXPECT_GT(summary.at("seconds").at("total"), stages);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>  // First: libavutil refuses to be compiled without its constants.
+
 extern "C" {
 #include <libavfilter/avfilter.h>
 #include <libavfilter/buffersink.h>

@@ -1,4 +1,4 @@
-#include "commands/Program.h"
+#include "commands/Commands.h"
 
 int main(int argc, char** argv) {
     return orbitwalk::tool::runProgram(argc, argv);

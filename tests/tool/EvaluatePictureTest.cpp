@@ -4,7 +4,6 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
-#include "evaluate/MissingBorder.h"
 #include "evaluate/PictureQuality.h"
 #include "evaluate/Registration.h"
 #include "evaluate/ResidualMotion.h"

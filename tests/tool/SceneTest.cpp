@@ -7,7 +7,7 @@
 
 #include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/ColourPlanes.h"
-#include "simulate/ScenePlacement.h"
+#include "simulate/Scene.h"
 #include "simulate/ShakyPath.h"
 #include "support/Complaint.h"
 #include "terminal/ToolError.h"

@@ -7,7 +7,7 @@
 
 #include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/Resampler.h"
-#include "simulate/ScenePicture.h"
+#include "simulate/Scene.h"
 
 namespace orbitwalk::tool {
 namespace {

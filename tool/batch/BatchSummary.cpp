@@ -6,7 +6,6 @@
 #include <cstdio>
 
 #include "batch/ClipFolder.h"
-#include "batch/IndexPage.h"
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
 #include "sweep/Summary.h"

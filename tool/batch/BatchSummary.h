@@ -45,4 +45,8 @@ std::string toJsonText(const std::vector<ClipReport>& reports);
 void writeBatchSummary(const std::vector<Clip>& clips, const std::filesystem::path& batch,
                        bool force);
 
+/// A page to stand in a batch's folder: every clip with its strip, its verdict and links to its
+/// report and its player, those that failed first. It needs no network and runs no script.
+std::string indexPage(const std::vector<ClipReport>& reports);
+
 }  // namespace orbitwalk::tool

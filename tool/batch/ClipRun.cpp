@@ -1,4 +1,4 @@
-#include "batch/ClipRun.h"
+#include "batch/ClipJob.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "batch/IndexPage.h"
+#include "batch/BatchSummary.h"
 
 #include <algorithm>
 

@@ -5,10 +5,9 @@
 #include <thread>
 
 #include "batch/Batch.h"
+#include "batch/ClipJob.h"
 #include "batch/ClipProcess.h"
-#include "batch/ClipRun.h"
 #include "commands/Commands.h"
-#include "commands/Program.h"
 #include "terminal/Print.h"
 #include "terminal/ToolError.h"
 

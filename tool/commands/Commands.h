@@ -42,4 +42,13 @@ void addCommonOptions(CLI::App& command, CommonOptions& options, Writes writes);
 /// @throws ToolError: see printOut.
 void printSummary(const CommonOptions& options, const std::string& json, const std::string& text);
 
+/// A command that has said what went wrong and ends with an exit status.
+struct CommandFailed {
+    int status;
+};
+
+/// Runs a command line to its end, the program's name first. Errors are printed, one line each.
+/// @return the exit status. On the main thread.
+int runProgram(int argc, char** argv);
+
 }  // namespace orbitwalk::tool

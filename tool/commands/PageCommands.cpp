@@ -9,7 +9,6 @@
 #include "files/OwnFiles.h"
 #include "files/TextFile.h"
 #include "player/PlayerPage.h"
-#include "report/Pictures.h"
 #include "report/ReportData.h"
 #include "report/ReportPage.h"
 #include "sweep/Sweep.h"

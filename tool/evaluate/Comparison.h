@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "evaluate/JudgedFrame.h"
-#include "evaluate/LumaVideo.h"
 #include "evaluate/Registration.h"
 #include "evaluate/ResidualMotion.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "evaluate/LumaVideo.h"
+#include "evaluate/JudgedFrame.h"
 #include "sweep/Degrees.h"
 #include "sweep/Playlist.h"
 #include "sweep/Steadiness.h"

@@ -1,4 +1,4 @@
-#include "evaluate/MissingBorder.h"
+#include "evaluate/PictureQuality.h"
 
 #include <algorithm>
 #include <utility>

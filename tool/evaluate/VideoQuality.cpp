@@ -1,4 +1,4 @@
-#include "evaluate/VideoQuality.h"
+#include "evaluate/Evaluation.h"
 
 #include <tbb/info.h>
 #include <tbb/parallel_pipeline.h>
@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "evaluate/JudgedFrame.h"
-#include "evaluate/LumaVideo.h"
 #include "render/StepOrder.h"
 
 namespace orbitwalk::tool {

@@ -1,7 +1,6 @@
 #include "player/PlayerPage.h"
 
 #include "files/OwnFiles.h"
-#include "files/PageAssets.h"
 #include "files/PageText.h"
 
 namespace orbitwalk::tool {

@@ -3,7 +3,7 @@
 #include <functional>
 #include <opencv2/core/mat.hpp>
 
-#include "sweep/ShotReader.h"
+#include "sweep/Playlist.h"
 
 namespace orbitwalk::tool {
 

@@ -1,4 +1,4 @@
-#include "render/PanoramaLayout.h"
+#include "render/Panorama.h"
 
 #include <algorithm>
 #include <array>

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "render/StepOrder.h"
-#include "sweep/ShotReader.h"
+#include "sweep/Playlist.h"
 
 namespace orbitwalk::tool {
 

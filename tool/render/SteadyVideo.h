@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "sweep/ShotReader.h"
+#include "sweep/Playlist.h"
 
 namespace orbitwalk::tool {
 

@@ -1,4 +1,4 @@
-#include "report/Pictures.h"
+#include "report/ReportData.h"
 
 #include <algorithm>
 #include <opencv2/imgproc.hpp>

@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "files/OwnFiles.h"
-#include "files/PageAssets.h"
 #include "files/PageText.h"
 #include "sweep/Degrees.h"
 #include "sweep/SmoothedPath.h"

@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "report/Pictures.h"
 #include "report/ReportData.h"
 
 namespace orbitwalk::tool {

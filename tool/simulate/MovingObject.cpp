@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "orbitwalk/GeometryOpenCV.h"
-#include "simulate/ScenePicture.h"
+#include "simulate/Scene.h"
 #include "simulate/ShakyPath.h"
 #include "simulate/SimulationSettings.h"
 

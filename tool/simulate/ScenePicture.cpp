@@ -1,4 +1,4 @@
-#include "simulate/ScenePicture.h"
+#include "simulate/Scene.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "simulate/ScenePlacement.h"
+#include "simulate/Scene.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 #include "files/OutputFiles.h"
 #include "files/OwnFiles.h"
 #include "media/VideoWriter.h"
-#include "simulate/ScenePicture.h"
+#include "simulate/Scene.h"
 #include "simulate/Simulation.h"
 #include "sweep/Degrees.h"
 #include "sweep/Summary.h"

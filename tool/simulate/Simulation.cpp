@@ -6,7 +6,7 @@
 
 #include "orbitwalk/GeometryOpenCV.h"
 #include "simulate/ColourPlanes.h"
-#include "simulate/ScenePicture.h"
+#include "simulate/Scene.h"
 #include "simulate/SimulationSettings.h"
 #include "terminal/ToolError.h"
 

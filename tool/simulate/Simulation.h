@@ -8,7 +8,7 @@
 
 #include "simulate/ColourPlanes.h"
 #include "simulate/MovingObject.h"
-#include "simulate/ScenePlacement.h"
+#include "simulate/Scene.h"
 #include "simulate/ShakyPath.h"
 #include "simulate/SimulationSettings.h"
 

@@ -7,6 +7,8 @@ namespace orbitwalk::tool {
 
 namespace {
 
+using Json = nlohmann::ordered_json;
+
 std::string sentenceOn(const Steadiness& steadiness) {
     const double before = steadiness.before.shift();
     const double after = steadiness.after.shift();
@@ -37,7 +39,6 @@ Verdict verdictOn(const Steadiness& steadiness) {
 }
 
 nlohmann::ordered_json toJson(const Verdict& verdict) {
-    using Json = nlohmann::ordered_json;
     return {{"steadier", verdict.steadier},
             {"residualShare", verdict.residualShare ? Json(*verdict.residualShare) : Json()},
             {"viewKept", verdict.viewKept},

@@ -25,7 +25,7 @@ void writePictures(const std::filesystem::path& file, const std::vector<cv::Mat1
     settings.quality = 8;
     writeVideo(file, settings, static_cast<int>(pictures.size()), [&](int i) {
         const cv::Mat1b& luma = pictures[i];
-        test_support::Frame i420(luma.total() * 3 / 2, 128);
+        Frame i420(luma.total() * 3 / 2, 128);
         std::copy(luma.begin(), luma.end(), i420.begin());
         return i420;
     });

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "render/FramePlanes.h"
-#include "render/KernelWarp.h"
 #include "tool/AnalyticSweep.h"
 
 namespace orbitwalk::tool {

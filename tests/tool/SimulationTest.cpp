@@ -6,7 +6,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "orbitwalk/GeometryOpenCV.h"
-#include "simulate/Resampler.h"
+#include "simulate/ColourPlanes.h"
 #include "simulate/Scene.h"
 
 namespace orbitwalk::tool {

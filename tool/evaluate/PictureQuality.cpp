@@ -6,7 +6,6 @@
 #include <opencv2/imgproc.hpp>
 
 #include "render/FramePlanes.h"
-#include "render/KernelWarp.h"
 
 namespace orbitwalk::tool {
 

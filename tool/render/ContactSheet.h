@@ -3,7 +3,7 @@
 #include <functional>
 #include <opencv2/core/mat.hpp>
 
-#include "sweep/Playlist.h"
+#include "sweep/ShotReader.h"
 
 namespace orbitwalk::tool {
 

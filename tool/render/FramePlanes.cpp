@@ -5,7 +5,6 @@
 #include <opencv2/imgproc.hpp>
 
 #include "media/ColourMatrix.h"
-#include "render/KernelWarp.h"
 
 namespace orbitwalk::tool {
 

@@ -1,4 +1,4 @@
-#include "render/KernelWarp.h"
+#include "render/FramePlanes.h"
 
 #include <algorithm>
 #include <array>

@@ -8,6 +8,7 @@
 
 #include "orbitwalk/RecordReader.h"
 #include "sweep/Playlist.h"
+#include "sweep/Sweep.h"
 
 namespace orbitwalk::tool {
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "render/StepOrder.h"
-#include "sweep/Playlist.h"
+#include "sweep/ShotReader.h"
 
 namespace orbitwalk::tool {
 

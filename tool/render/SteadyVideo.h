@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "sweep/Playlist.h"
+#include "sweep/ShotReader.h"
 
 namespace orbitwalk::tool {
 

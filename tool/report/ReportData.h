@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "report/TradeOff.h"
-#include "sweep/Playlist.h"
 #include "sweep/Steadiness.h"
 #include "sweep/Summary.h"
 #include "sweep/Sweep.h"

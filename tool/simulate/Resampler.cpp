@@ -1,4 +1,4 @@
-#include "simulate/Resampler.h"
+#include "simulate/ColourPlanes.h"
 
 #include <algorithm>
 #include <array>

@@ -19,10 +19,10 @@ namespace orbitwalk::refine {
 namespace {
 
 using Record = __kelOBWKDXMetaData;
-using Refusal = std::optional<WriteRefusal>;
+using Refused = std::optional<WriteRefusal>;
 using Matrix = std::int32_t[9];
 
-Refusal refuse(WriteFault fault, std::string text) {
+Refused refuse(WriteFault fault, std::string text) {
     return WriteRefusal{fault, std::move(text)};
 }
 
@@ -42,7 +42,7 @@ std::int32_t saturated(double value) {
 }
 
 /// The map from output to frame as a matrix that acts on row vectors.
-Refusal writeMatrix(const Placement& placement, Matrix& matrix) {
+Refused writeMatrix(const Placement& placement, Matrix& matrix) {
     const PicturePoint x = placement.linear({1, 0});
     const PicturePoint y = placement.linear({0, 1});
     const PicturePoint origin = placement({0, 0});
@@ -74,16 +74,16 @@ bool covers(const Matrix& matrix, const Record& record) {
     return true;
 }
 
-Refusal writeFrame(const Placement& placement, const Record& record, const std::string& name,
+Refused writeFrame(const Placement& placement, const Record& record, const std::string& name,
                    Matrix& matrix) {
-    if (Refusal refusal = writeMatrix(placement, matrix))
+    if (Refused refusal = writeMatrix(placement, matrix))
         return refuse(refusal->fault, name + ": " + refusal->text);
     if (!covers(matrix, record))
         return refuse(WriteFault::Beyond, name + ": the crop reaches beyond the frame");
     return {};
 }
 
-Refusal checkPlan(const RecordFacts& facts, const PathPlan& plan) {
+Refused checkPlan(const RecordFacts& facts, const PathPlan& plan) {
     if (plan.size != facts.size)
         return refuse(WriteFault::Plan, "the plan is for frames of another size");
     if (plan.shown != shownFrames(facts))
@@ -111,14 +111,14 @@ void writeFacts(const RecordFacts& facts, const CropRectangle& crop, Record& rec
     std::ranges::copy(facts.renderFlags, record.renderFlag);
 }
 
-Refusal writeFrames(const PathPlan& plan, Record& record) {
+Refused writeFrames(const PathPlan& plan, Record& record) {
     for (int i = 0; i < record.numFrames; ++i)
         (void)writeMatrix(Placement{}, record.renderMat[i]);
     const bool alongX = record.captureDirection <= 2;
     double displacement = 0;
     for (std::size_t i = 0; i < plan.shown.size(); ++i) {
         const int frame = plan.shown[i];
-        if (Refusal refusal = writeFrame(plan.corrections[i].inverse(), record,
+        if (Refused refusal = writeFrame(plan.corrections[i].inverse(), record,
                                          "frame " + std::to_string(frame), record.renderMat[frame]))
             return refusal;
         if (i > 0)
@@ -135,7 +135,7 @@ SimilarityTransform stepOutwards(const Placement& at, const SimilarityTransform&
     return {sign * shift.x, sign * shift.y, sign * seen.angle, 0, at.about};
 }
 
-Refusal writeBorders(const PathPlan& plan, int most, Record& record) {
+Refused writeBorders(const PathPlan& plan, int most, Record& record) {
     if (plan.shown.size() < 2)
         return {};
     const Room room(plan.size, plan.crop);
@@ -151,11 +151,11 @@ Refusal writeBorders(const PathPlan& plan, int most, Record& record) {
     const auto write = [&](const std::vector<Placement>& border, std::int32_t& count,
                            Matrix* matrices) {
         for (const Placement& p : border)
-            if (Refusal refusal = writeFrame(p, record, "a border frame", matrices[count++]))
+            if (Refused refusal = writeFrame(p, record, "a border frame", matrices[count++]))
                 return refusal;
-        return Refusal();
+        return Refused();
     };
-    if (Refusal refusal = write(left, record.leftBorderFrames, record.leftBorderMat))
+    if (Refused refusal = write(left, record.leftBorderFrames, record.leftBorderMat))
         return refusal;
     return write(right, record.rightBorderFrames, record.rightBorderMat);
 }

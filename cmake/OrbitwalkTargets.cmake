@@ -90,7 +90,7 @@ function(orbitwalk_engine_library name exports)
 endfunction()
 
 # A test's program is linked in a quarter of the time by lld: the default linker also reads whatever each library needs in
-# turn. What lld 14 makes read-only after relocation ends on the larger pages' border, which nothing maps here.
+# turn. It has nothing made read-only after relocation: lld 14 ends that on the larger pages' border, beyond what is mapped.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -fuse-ld=lld ORBITWALK_LLD)
 
